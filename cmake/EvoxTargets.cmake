@@ -1,0 +1,48 @@
+include(CMakeParseArguments)
+
+# evox_add_library(folder SOURCES … LIBS …): the static library evox_<folder> of src/<folder>.
+function(evox_add_library folder)
+    cmake_parse_arguments(ARG "" "" "SOURCES;LIBS" ${ARGN})
+    add_library(evox_${folder} STATIC ${ARG_SOURCES})
+    target_include_directories(evox_${folder} PUBLIC ${CMAKE_SOURCE_DIR}/src)
+    target_link_libraries(evox_${folder} PUBLIC ${ARG_LIBS})
+    evox_warnings(evox_${folder})
+endfunction()
+
+# evox_add_program(name SOURCES … LIBS …)
+function(evox_add_program name)
+    cmake_parse_arguments(ARG "" "" "SOURCES;LIBS" ${ARGN})
+    add_executable(${name} ${ARG_SOURCES})
+    target_include_directories(${name} PRIVATE ${CMAKE_SOURCE_DIR}/src)
+    target_link_libraries(${name} PRIVATE ${ARG_LIBS})
+    evox_warnings(${name})
+endfunction()
+
+# evox_add_test(folder name [SOURCES …] [LIBS …] [LABEL unit|wire|widget|e2e] [SERIAL] [TIMEOUT s])
+# The test program <name> of tests/<folder>/<name>.cpp, linked with evox_<folder> and the test kit.
+# SERIAL preloads the modem-line shim, so that real QSerialPort code opens simulated ports.
+function(evox_add_test folder name)
+    cmake_parse_arguments(ARG "SERIAL" "LABEL;TIMEOUT" "SOURCES;LIBS" ${ARGN})
+    if(NOT ARG_LABEL)
+        set(ARG_LABEL unit)
+    endif()
+    if(NOT ARG_TIMEOUT)
+        set(ARG_TIMEOUT 180)
+    endif()
+    add_executable(${name} ${name}.cpp ${ARG_SOURCES})
+    target_include_directories(${name} PRIVATE ${CMAKE_SOURCE_DIR}/src ${CMAKE_SOURCE_DIR}/tests)
+    if(TARGET evox_${folder})
+        target_link_libraries(${name} PRIVATE evox_${folder})
+    endif()
+    target_link_libraries(${name} PRIVATE evox_testkit Qt5::Test ${ARG_LIBS})
+    evox_warnings(${name})
+    add_test(NAME ${name} COMMAND ${name})
+    set(environment QT_QPA_PLATFORM=offscreen QT_LOGGING_RULES= LC_ALL=C.UTF-8
+        EVOX_BUILD_DIR=${CMAKE_BINARY_DIR} ${EVOX_SANITIZER_ENVIRONMENT})
+    if(ARG_SERIAL)
+        add_dependencies(${name} evox-simserial)
+        list(APPEND environment "LD_PRELOAD=$<$<BOOL:${EVOX_LIBASAN}>:${EVOX_LIBASAN}:>$<TARGET_FILE:evox-simserial>")
+    endif()
+    set_tests_properties(${name} PROPERTIES
+        LABELS ${ARG_LABEL} TIMEOUT ${ARG_TIMEOUT} ENVIRONMENT "${environment}")
+endfunction()

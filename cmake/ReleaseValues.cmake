@@ -1,0 +1,13 @@
+# A release goes to strangers: it must name real hosts, and reach its web pages over https.
+if(EVOX_RELEASE)
+    foreach(name EVOX_SERVER_HOST EVOX_WEB_URL EVOX_REGISTRY_URL EVOX_MAIL_DOMAIN)
+        if("${${name}}" STREQUAL "" OR "${${name}}" MATCHES "localhost|127\\.0\\.0\\.1")
+            message(FATAL_ERROR "${name} must name a real host for a release, not \"${${name}}\"")
+        endif()
+    endforeach()
+    foreach(name EVOX_WEB_URL EVOX_REGISTRY_URL)
+        if(NOT "${${name}}" MATCHES "^https://")
+            message(FATAL_ERROR "${name} must be an https address for a release, not \"${${name}}\"")
+        endif()
+    endforeach()
+endif()

@@ -1,0 +1,19 @@
+#pragma once
+
+#include <QByteArray>
+#include <QString>
+
+/// The identifier of this PC that the server binds an account to: 32 lower-case hexadecimal characters, the first
+/// half of the SHA-256 of five machine facts. Has no side effects and always answers; runs "wmic" for at most 3 s.
+[[nodiscard]] QString generateHardwareId();
+
+namespace HardwareId {
+
+/// The processor identifier in the output of "wmic cpu get ProcessorId": its second non-empty line, trimmed. The
+/// output is the console's 8-bit text, or UTF-16 when it begins with a byte-order mark. Empty when there is none.
+[[nodiscard]] QString processorIdFromWmic(const QByteArray &output);
+
+/// The digest of the five facts: host name, MAC address, processor identifier, product type, kernel version.
+[[nodiscard]] QString digest(const QStringList &facts);
+
+} // namespace HardwareId
