@@ -1,0 +1,40 @@
+#include "support/TestConfig.h"
+
+#include "app/Config.h"
+#include "app/Product.h"
+
+#include <QCoreApplication>
+#include <QFile>
+#include <QJsonDocument>
+
+TestConfig::TestConfig(const QJsonObject &values)
+    : m_dataHome(qgetenv("XDG_DATA_HOME"))
+    , m_configHome(qgetenv("XDG_CONFIG_HOME"))
+{
+    qputenv("XDG_DATA_HOME", QFile::encodeName(m_folder.path()));
+    qputenv("XDG_CONFIG_HOME", QFile::encodeName(m_folder.path()));
+    QCoreApplication::setApplicationName(Product::name());
+    QCoreApplication::setOrganizationName(Product::organisation());
+    if (!values.isEmpty())
+        writeFile(QJsonDocument(values).toJson());
+    Config::instance().load();
+}
+
+TestConfig::~TestConfig()
+{
+    qputenv("XDG_DATA_HOME", m_dataHome);
+    qputenv("XDG_CONFIG_HOME", m_configHome);
+}
+
+QJsonObject TestConfig::saved() const
+{
+    QFile file(Config::filePath());
+    return file.open(QIODevice::ReadOnly) ? QJsonDocument::fromJson(file.readAll()).object() : QJsonObject{};
+}
+
+void TestConfig::writeFile(const QByteArray &bytes) const
+{
+    QFile file(Config::filePath());
+    if (file.open(QIODevice::WriteOnly))
+        file.write(bytes);
+}
