@@ -18,6 +18,11 @@ function(evox_add_program name)
     evox_warnings(${name})
 endfunction()
 
+# tests-unit, tests-wire, tests-widget, tests-e2e: the test programs of one label.
+foreach(label unit wire widget e2e)
+    add_custom_target(tests-${label})
+endforeach()
+
 # evox_add_test(folder name [SOURCES …] [LIBS …] [LABEL unit|wire|widget|e2e] [SERIAL] [TIMEOUT s])
 # The test program <name> of tests/<folder>/<name>.cpp, linked with evox_<folder> and the test kit.
 # SERIAL preloads the modem-line shim, so that real QSerialPort code opens simulated ports.
@@ -34,8 +39,12 @@ function(evox_add_test folder name)
     if(TARGET evox_${folder})
         target_link_libraries(${name} PRIVATE evox_${folder})
     endif()
+    if(folder STREQUAL "ui")
+        target_link_libraries(${name} PRIVATE evox_testkit_ui)
+    endif()
     target_link_libraries(${name} PRIVATE evox_testkit Qt5::Test ${ARG_LIBS})
     evox_warnings(${name})
+    add_dependencies(tests-${ARG_LABEL} ${name})
     add_test(NAME ${name} COMMAND ${name})
     set(environment QT_QPA_PLATFORM=offscreen QT_LOGGING_RULES= LC_ALL=C.UTF-8
         EVOX_BUILD_DIR=${CMAKE_BINARY_DIR} ${EVOX_SANITIZER_ENVIRONMENT})

@@ -39,9 +39,8 @@ void AutoStart::set(bool enabled, const QString &programPath)
     QSaveFile entry(path);
     if (!entry.open(QIODevice::WriteOnly))
         return;
-    entry.write(QStringLiteral("[Desktop Entry]\nType=Application\nName=e-VOX SINAR\nExec=\"%1\"\n")
-                    .arg(quoted)
-                    .toUtf8());
+    entry.write(
+        QStringLiteral("[Desktop Entry]\nType=Application\nName=e-VOX SINAR\nExec=\"%1\"\n").arg(quoted).toUtf8());
     entry.commit();
 }
 

@@ -38,14 +38,14 @@ public:
     [[nodiscard]] QString callsign() const;
     [[nodiscard]] QString hwid() const;
     [[nodiscard]] QString password() const;
-    [[nodiscard]] int serverPort() const;   ///< 1..65535, missing or out of range: 8080
-    [[nodiscard]] int inputDevice() const;  ///< index, -1: system default
-    [[nodiscard]] int outputDevice() const; ///< index, -1: system default
-    [[nodiscard]] int micGain() const;      ///< percent, missing: 100
-    [[nodiscard]] int speakerGain() const;  ///< percent, missing: 80
-    [[nodiscard]] int baudrate() const;     ///< bit/s, missing: 9600
-    [[nodiscard]] bool cosLogicHigh() const; ///< missing: true
-    [[nodiscard]] bool autoLogin() const;    ///< missing: true, unlike remember_password
+    [[nodiscard]] int serverPort() const;        ///< 1..65535, missing or out of range: 8080
+    [[nodiscard]] int inputDevice() const;       ///< index, -1: system default
+    [[nodiscard]] int outputDevice() const;      ///< index, -1: system default
+    [[nodiscard]] int micGain() const;           ///< percent, missing: 100
+    [[nodiscard]] int speakerGain() const;       ///< percent, missing: 80
+    [[nodiscard]] int baudrate() const;          ///< bit/s, missing: 9600
+    [[nodiscard]] bool cosLogicHigh() const;     ///< missing: true
+    [[nodiscard]] bool autoLogin() const;        ///< missing: true, unlike remember_password
     [[nodiscard]] bool rememberPassword() const; ///< missing: false, unlike auto_login
     [[nodiscard]] bool setupCompleted() const;   ///< missing: false
     [[nodiscard]] bool darkTheme() const;        ///< missing: false

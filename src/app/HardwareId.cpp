@@ -29,8 +29,7 @@ QString firstMacAddress()
 QString processorId()
 {
     QProcess wmic;
-    wmic.start(QStringLiteral("wmic"),
-               {QStringLiteral("cpu"), QStringLiteral("get"), QStringLiteral("ProcessorId")});
+    wmic.start(QStringLiteral("wmic"), {QStringLiteral("cpu"), QStringLiteral("get"), QStringLiteral("ProcessorId")});
     if (wmic.waitForFinished(static_cast<int>(kWmicTimeout.count()))) {
         const QString id = HardwareId::processorIdFromWmic(wmic.readAllStandardOutput());
         if (!id.isEmpty())

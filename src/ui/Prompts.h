@@ -13,12 +13,12 @@ struct Prompt
 
     Kind kind = Kind::Information;
     QString title;
-    QString text;           ///< the box's text, or the label above the input
-    QString initialText;    ///< Kind::Text
-    QStringList choices;    ///< Kind::Choice, the first is selected
-    int value = 0;          ///< Kind::Number
-    int minimum = 0;        ///< Kind::Number
-    int maximum = 0;        ///< Kind::Number
+    QString text;              ///< the box's text, or the label above the input
+    QString initialText;       ///< Kind::Text
+    QStringList choices;       ///< Kind::Choice, the first is selected
+    int value = 0;             ///< Kind::Number
+    int minimum = 0;           ///< Kind::Number
+    int maximum = 0;           ///< Kind::Number
     bool yesIsDefault = false; ///< the two question kinds
 };
 
@@ -58,8 +58,7 @@ public:
     [[nodiscard]] std::optional<QString> password(const QString &title, const QString &label);
     [[nodiscard]] std::optional<int> number(const QString &title, const QString &label, int value, int minimum,
                                             int maximum);
-    [[nodiscard]] std::optional<QString> choice(const QString &title, const QString &label,
-                                                const QStringList &choices);
+    [[nodiscard]] std::optional<QString> choice(const QString &title, const QString &label, const QStringList &choices);
 
 protected:
     /// Shows the prompt and waits for the answer.

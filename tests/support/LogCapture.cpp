@@ -11,10 +11,10 @@ LogCapture *s_capture = nullptr;
 // What the platform says on a machine without a desktop session; no fault of the program's.
 const QStringList &platformNoise()
 {
-    static const QStringList beginnings{QStringLiteral("QStandardPaths: "),
-                                        QStringLiteral("This plugin does not support"),
-                                        QStringLiteral("PulseAudioService: "), QStringLiteral("defaultServiceProvider::"),
-                                        QStringLiteral("propagateSizeHints")};
+    static const QStringList beginnings{
+        QStringLiteral("QStandardPaths: "), QStringLiteral("This plugin does not support"),
+        QStringLiteral("PulseAudioService: "), QStringLiteral("defaultServiceProvider::"),
+        QStringLiteral("propagateSizeHints")};
     return beginnings;
 }
 

@@ -1,7 +1,6 @@
 #pragma once
 
 #include <QStringList>
-
 #include <QtGlobal>
 
 /// Records every diagnostic line while it lives. A warning that nobody announced with expectWarning() fails the test

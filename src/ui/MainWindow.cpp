@@ -1,0 +1,247 @@
+#include "ui/MainWindow.h"
+
+#include "app/Config.h"
+#include "app/Product.h"
+#include "audio/AudioEngine.h"
+#include "net/TcpClient.h"
+#include "net/UdpAudio.h"
+#include "radio/SerialManager.h"
+#include "ui/MainActions.h"
+#include "ui/room/RoomPanel.h"
+#include "ui/status/ControlPanel.h"
+
+#include <QAction>
+#include <QAudioDeviceInfo>
+#include <QCloseEvent>
+#include <QCoreApplication>
+#include <QDebug>
+#include <QIcon>
+#include <QLabel>
+#include <QSplitter>
+#include <QStatusBar>
+
+#include <chrono>
+
+namespace {
+
+using std::chrono::milliseconds;
+
+constexpr milliseconds kAutoConnectDelay{500};
+constexpr milliseconds kReconnectArmDelay{3000};
+constexpr milliseconds kReconnectInterval{10000};
+constexpr milliseconds kUdpRetryDelay{10000};
+
+// The engine fixes its start-up values itself; these are what it uses.
+constexpr int kSampleRate = 48000;
+constexpr int kChannels = 1;
+constexpr int kFrameSize = 960;
+constexpr int kBitrate = 32000;
+constexpr int kComplexity = 5;
+
+/// The name of the device at a position of the system's list; empty for the system default.
+QString deviceName(QAudio::Mode mode, int index)
+{
+    const auto devices = QAudioDeviceInfo::availableDevices(mode);
+    return index >= 0 && index < devices.size() ? devices.at(index).deviceName() : QString();
+}
+
+} // namespace
+
+MainWindow::MainWindow(const Endpoints &endpoints, Prompts &prompts)
+    : m_endpoints(endpoints)
+    , m_prompts(prompts)
+    , m_client(new TcpClient(this))
+    , m_udp(new UdpAudio(this))
+    , m_engine(new AudioEngine(this))
+    , m_serial(new SerialManager(this))
+{
+    Config::instance().load();
+    setWindowTitle(QStringLiteral("%1 v%2 (Build %3)").arg(Product::name(), Product::version(), Product::build()));
+    setWindowIcon(QIcon(QStringLiteral(":/icons/app_ico")));
+    m_actions = new MainActions(this);
+    createPanels();
+    createStatusBar();
+    setUpTimers();
+    connectActions();
+    connectServer();
+    connectAudio();
+    connectRadio();
+    connectPanels();
+    applyTheme(Config::instance().darkTheme());
+    startAudio();
+    openSerialPort();
+    QTimer::singleShot(kAutoConnectDelay, this, &MainWindow::connectAutomatically);
+}
+
+MainWindow::~MainWindow()
+{
+    // The services speak while they close (QUIT, PTT off); nobody listens any more.
+    for (QObject *service : std::initializer_list<QObject *>{m_client, m_udp, m_engine, m_serial}) {
+        service->disconnect(this);
+        delete service;
+    }
+}
+
+void MainWindow::createPanels()
+{
+    m_roomPanel = new RoomPanel(this);
+    m_controlPanel = new ControlPanel(this);
+    auto *splitter = new QSplitter(Qt::Horizontal, this);
+    splitter->addWidget(m_roomPanel);
+    splitter->addWidget(m_controlPanel);
+    splitter->setStretchFactor(0, 3);
+    splitter->setStretchFactor(1, 2);
+    splitter->setChildrenCollapsible(false);
+    setCentralWidget(splitter);
+}
+
+void MainWindow::createStatusBar()
+{
+    m_audioErrorLabel = new QLabel(this);
+    m_audioErrorLabel->setObjectName(QStringLiteral("audioError"));
+    m_audioErrorLabel->setStyleSheet(QStringLiteral("color: #F44336; font-weight: bold;"));
+    m_audioErrorLabel->hide();
+    statusBar()->addPermanentWidget(m_audioErrorLabel);
+    m_pingLabel = new QLabel(QStringLiteral("PING: -- ms"), this);
+    m_pingLabel->setObjectName(QStringLiteral("ping"));
+    statusBar()->addPermanentWidget(m_pingLabel);
+    showStatus(QStringLiteral("Ready"));
+}
+
+void MainWindow::setUpTimers()
+{
+    m_reconnectTimer = new QTimer(this);
+    m_reconnectTimer->setObjectName(QStringLiteral("reconnectTimer"));
+    m_reconnectTimer->setInterval(kReconnectInterval);
+    connect(m_reconnectTimer, &QTimer::timeout, this, &MainWindow::onReconnectTick);
+
+    m_reconnectArmTimer = new QTimer(this);
+    m_reconnectArmTimer->setObjectName(QStringLiteral("reconnectArmTimer"));
+    m_reconnectArmTimer->setInterval(kReconnectArmDelay);
+    m_reconnectArmTimer->setSingleShot(true);
+    m_reconnectArmTimer->setTimerType(Qt::PreciseTimer);
+    connect(m_reconnectArmTimer, &QTimer::timeout, this, [this] {
+        if (!m_reconnectTimer->isActive())
+            m_reconnectTimer->start();
+    });
+
+    m_udpRetryTimer = new QTimer(this);
+    m_udpRetryTimer->setObjectName(QStringLiteral("udpRetryTimer"));
+    m_udpRetryTimer->setInterval(kUdpRetryDelay);
+    m_udpRetryTimer->setSingleShot(true);
+    connect(m_udpRetryTimer, &QTimer::timeout, this, &MainWindow::retryUdp);
+}
+
+void MainWindow::connectActions()
+{
+    connect(m_actions->connectToServer, &QAction::triggered, this, &MainWindow::onConnectToServer);
+    connect(m_actions->disconnectFromServer, &QAction::triggered, this, &MainWindow::onDisconnectFromServer);
+    connect(m_actions->exit, &QAction::triggered, this, &MainWindow::onExit);
+    connect(m_actions->darkTheme, &QAction::triggered, this, &MainWindow::onToggleTheme);
+    connect(m_actions->joinRoom, &QAction::triggered, this, &MainWindow::onJoinRoom);
+    connect(m_actions->toolbarJoin, &QAction::triggered, this, &MainWindow::onJoinRoom);
+    connect(m_actions->leaveRoom, &QAction::triggered, this, &MainWindow::onLeaveRoom);
+    connect(m_actions->toolbarLeave, &QAction::triggered, this, &MainWindow::onLeaveRoom);
+    connect(m_actions->muteMicrophone, &QAction::toggled, this, &MainWindow::onMicMuteToggled);
+    connect(m_actions->toolbarMicrophone, &QAction::toggled, this, &MainWindow::onMicMuteToggled);
+    connect(m_actions->muteSpeaker, &QAction::toggled, this, &MainWindow::onSpeakerMuteToggled);
+    connect(m_actions->toolbarSpeaker, &QAction::toggled, this, &MainWindow::onSpeakerMuteToggled);
+    connect(m_actions, &MainActions::roomChosen, m_client, &TcpClient::joinRoom);
+}
+
+void MainWindow::connectServer()
+{
+    connect(m_client, &TcpClient::connected, m_reconnectArmTimer, &QTimer::stop);
+    connect(m_client, &TcpClient::connected, m_reconnectTimer, &QTimer::stop);
+    connect(m_client, &TcpClient::connected, this, &MainWindow::onNetworkConnected);
+    connect(m_client, &TcpClient::disconnected, this, &MainWindow::onNetworkDisconnected);
+    connect(m_client, &TcpClient::disconnected, this, &MainWindow::armReconnect);
+    connect(m_client, &TcpClient::errorOccurred, this, &MainWindow::onClientError);
+    connect(m_client, &TcpClient::loginResult, this, &MainWindow::onLoginResult);
+    connect(m_client, &TcpClient::licenseWarning, this, &MainWindow::onLicenseWarning);
+    connect(m_client, &TcpClient::roomListReceived, this, &MainWindow::onRoomListReceived);
+    connect(m_client, &TcpClient::roomListReceived, m_actions, &MainActions::setRooms);
+    connect(m_client, &TcpClient::joinRoomResult, this, &MainWindow::onJoinRoomResult);
+    connect(m_client, &TcpClient::roomUsersReceived, this, &MainWindow::onRoomUsersReceived);
+    connect(m_client, &TcpClient::kicked, this, &MainWindow::onKicked);
+    connect(m_client, &TcpClient::banned, this, &MainWindow::onBanned);
+    connect(m_client, &TcpClient::adminMuted, this, &MainWindow::onAdminMuted);
+    connect(m_client, &TcpClient::audioReceived, this, &MainWindow::onTcpAudioReceived);
+    connect(m_client, &TcpClient::pingUpdated, this, &MainWindow::onPingUpdated);
+    connect(m_client, &TcpClient::pingUpdated, m_controlPanel, &ControlPanel::setPing);
+    connect(m_client, &TcpClient::serverInfoReceived, this, &MainWindow::onServerInfo);
+    connect(m_client, &TcpClient::audioQualityReceived, this, &MainWindow::onAudioQuality);
+    connect(m_client, &TcpClient::gatewayInfoReceived, this, &MainWindow::onGatewayInfo);
+    connect(m_client, &TcpClient::allUsersReceived, this, &MainWindow::onAllUsers);
+    connect(m_client, &TcpClient::userProfileReceived, this, &MainWindow::onUserProfile);
+    connect(m_client, &TcpClient::userInfoReceived, this, &MainWindow::onUserInfoReceived);
+    connect(m_client, &TcpClient::adminNotification, this, &MainWindow::onAdminNotification);
+    connect(m_udp, &UdpAudio::udpReady, this, &MainWindow::onUdpReady);
+    connect(m_udp, &UdpAudio::udpFailed, this, &MainWindow::onUdpFailed);
+    connect(m_udp, &UdpAudio::audioReceived, this, &MainWindow::onUdpAudioReceived);
+}
+
+void MainWindow::connectAudio()
+{
+    connect(m_engine, &AudioEngine::audioEncoded, this, &MainWindow::onAudioEncoded);
+    connect(m_engine, &AudioEngine::audioLevelChanged, m_controlPanel, [this](int input, int output) {
+        m_controlPanel->setInputLevel(input);
+        m_controlPanel->setOutputLevel(output);
+    });
+    // Not in the passing status text: a gateway without a codec has to say so for as long as it runs.
+    connect(m_engine, &AudioEngine::error, m_audioErrorLabel, [this](const QString &message) {
+        m_audioErrorLabel->setText(message);
+        m_audioErrorLabel->show();
+    });
+}
+
+void MainWindow::connectRadio()
+{
+    connect(m_serial, &SerialManager::cosChanged, this, &MainWindow::onCosChanged);
+}
+
+void MainWindow::connectPanels()
+{
+    connect(m_roomPanel, &RoomPanel::joinRoom, m_client, &TcpClient::joinRoom);
+    connect(m_roomPanel, &RoomPanel::leaveRoom, this, &MainWindow::onPanelLeave);
+    connect(m_roomPanel, &RoomPanel::userAction, this, &MainWindow::onUserAction);
+}
+
+void MainWindow::startAudio()
+{
+    const Config &config = Config::instance();
+    m_engine->init(kSampleRate, kChannels, kFrameSize, kBitrate, kComplexity);
+    m_engine->setMicGain(config.micGain());
+    m_engine->setSpeakerGain(config.speakerGain());
+    m_engine->setInputDevice(deviceName(QAudio::AudioInput, config.inputDevice()));
+    m_engine->setOutputDevice(deviceName(QAudio::AudioOutput, config.outputDevice()));
+    m_engine->startPlayback();
+    qDebug() << "[MainWindow] Playback started (once at startup)";
+}
+
+void MainWindow::openSerialPort()
+{
+    const Config &config = Config::instance();
+    const QString port = config.serialPort();
+    const bool open = !port.isEmpty() &&
+                      m_serial->open(port, config.baudrate(), config.pttPin(), config.cosPin(), config.cosLogicHigh());
+    m_actions->showSerialPort(open ? port : QString());
+    refreshReadiness();
+}
+
+void MainWindow::showStatus(const QString &text, int milliseconds)
+{
+    statusBar()->showMessage(text, milliseconds);
+}
+
+void MainWindow::onExit()
+{
+    close();
+}
+
+void MainWindow::closeEvent(QCloseEvent *event)
+{
+    event->accept();
+    // Without this an open box would keep a program without a window alive.
+    QCoreApplication::quit();
+}

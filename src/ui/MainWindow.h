@@ -1,0 +1,153 @@
+#pragma once
+
+#include "gateway/ConnectionState.h"
+
+#include <QList>
+#include <QMainWindow>
+#include <QStringList>
+#include <QTimer>
+#include <QVariantMap>
+
+class AudioEngine;
+class ControlPanel;
+class MainActions;
+class Prompts;
+class QLabel;
+class RoomPanel;
+class SerialManager;
+class TcpClient;
+class UdpAudio;
+struct Endpoints;
+
+/// The gateway controller: owns the services and the panels, wires them and carries out what gateway/ decides. Also
+/// the program's only main window.
+///
+/// Prompts block while the event loop runs on. After each of them the window may be gone and the connection may be
+/// another one: both are asked again.
+class MainWindow final : public QMainWindow
+{
+    Q_OBJECT
+    Q_DISABLE_COPY_MOVE(MainWindow)
+
+public:
+    /// Reads the configuration anew, opens playback and the serial port and arms the automatic connect. The endpoints
+    /// and the prompts outlive the window.
+    MainWindow(const Endpoints &endpoints, Prompts &prompts);
+    ~MainWindow() override;
+
+public slots:
+    void onConnectToServer();
+    void onDisconnectFromServer();
+    void onJoinRoom();
+    void onLeaveRoom();
+    void onNetworkConnected();
+    void onNetworkDisconnected();
+    void onLoginResult(bool success, const QString &message);
+    void onRoomListReceived(const QStringList &rooms);
+    void onUdpReady();
+    void onUdpFailed();
+    void onToggleTheme();
+    void onExit();
+
+protected:
+    void closeEvent(QCloseEvent *event) override;
+
+private:
+    // MainWindow.cpp: construction and wiring
+    void createPanels();
+    void createStatusBar();
+    void connectActions();
+    void connectServer();
+    void connectAudio();
+    void connectRadio();
+    void connectPanels();
+    void setUpTimers();
+    void startAudio();
+    void openSerialPort();
+    void showStatus(const QString &text, int milliseconds = 0);
+
+    // MainWindowSession.cpp: connection, login, rooms, UDP
+    void connectAutomatically();
+    void onReconnectTick();
+    void armReconnect();
+    void ensureHardwareId();
+    void promptForLogin();
+    [[nodiscard]] bool askCallsign();
+    void askMissingPassword();
+    void askPassword();
+    void sendLogin(const QString &callsign, const QString &password);
+    void reportLoginFailure(const QString &message);
+    void offerDeviceReset();
+    void askPasswordAgain();
+    void cancelRetry();
+    void giveUpLogin();
+    void onLoginSucceeded();
+    void armAutoJoin();
+    void restartUdp();
+    void retryUdp();
+    void onJoinRoomResult(bool success, const QString &room);
+    void runAudio();
+    void onRoomKeyReceived(const QString &key);
+    void onPanelLeave();
+    void forgetRoom();
+    void onKicked(const QString &reason);
+    void onBanned(const QString &reason);
+    void onClientError(const QString &error);
+    void refreshReadiness();
+
+    // MainWindowRelay.cpp: carrier, keying, mutes, audio in and out
+    void onCosChanged(bool active);
+    void startTransmission();
+    void stopTransmission();
+    void onAudioEncoded(const QByteArray &data);
+    void onUdpAudioReceived(const QByteArray &data);
+    void onTcpAudioReceived(const QByteArray &data, uint userId);
+    void onRoomUsersReceived(const QList<QVariantMap> &users);
+    void applyKeying(bool remoteTalks);
+    void onMicMuteToggled(bool muted);
+    void onSpeakerMuteToggled(bool muted);
+    void markOwnMutes();
+    void onAdminMuted(bool muted, const QString &reason);
+
+    // MainWindowTools.cpp: theme, user actions, records for the panels
+    void applyTheme(bool dark);
+    void onPingUpdated(float latencyMs);
+    void onLicenseWarning(const QString &message);
+    void onUserAction(const QString &action, const QString &callsign, int userId, const QString &room);
+    void muteUser(const QString &callsign, int userId, bool muted);
+    void requestUserInfo(const QString &callsign);
+    void moveUser(const QString &callsign, int userId, const QString &room);
+    void onUserInfoReceived(const QVariantMap &info);
+    void onServerInfo(const QVariantMap &info);
+    void onAudioQuality(const QVariantMap &quality);
+    void onGatewayInfo(const QVariantMap &info);
+    void onAllUsers(const QList<QVariantMap> &users);
+    void onUserProfile(const QVariantMap &profile);
+    void onAdminNotification(const QString &type, const QString &message);
+
+    const Endpoints &m_endpoints;
+    Prompts &m_prompts;
+
+    TcpClient *m_client = nullptr;
+    UdpAudio *m_udp = nullptr;
+    AudioEngine *m_engine = nullptr;
+    SerialManager *m_serial = nullptr;
+    RoomPanel *m_roomPanel = nullptr;
+    ControlPanel *m_controlPanel = nullptr;
+    MainActions *m_actions = nullptr;
+    QLabel *m_pingLabel = nullptr;
+    QLabel *m_audioErrorLabel = nullptr;
+
+    QTimer *m_reconnectTimer = nullptr;    ///< attempts, once armed
+    QTimer *m_reconnectArmTimer = nullptr; ///< the pause between a loss and the arming
+    QTimer *m_udpRetryTimer = nullptr;
+    QTimer *m_keepaliveTimer = nullptr; ///< made when UDP is first ready
+
+    QString m_serverAddress; ///< the host of the present control connection
+    QString m_infoRequest;   ///< callsign whose record was asked for
+    int m_wrongPasswords = 0;
+    bool m_retryPromptOpen = false;
+    bool m_udpFailed = false;
+    bool m_transmitting = false; ///< TX_START was sent and no TX_STOP since
+    bool m_radioKeyed = false;   ///< keyed for audio of the room
+};

@@ -1,0 +1,550 @@
+// The control connection: connect, log in, rooms, kick and ban, the UDP link.
+
+#include "app/Config.h"
+#include "app/Endpoints.h"
+#include "app/HardwareId.h"
+#include "audio/AudioEngine.h"
+#include "gateway/LoginFlow.h"
+#include "net/TcpClient.h"
+#include "net/UdpAudio.h"
+#include "radio/SerialManager.h"
+#include "ui/MainActions.h"
+#include "ui/MainWindow.h"
+#include "ui/Prompts.h"
+#include "ui/room/RoomPanel.h"
+#include "ui/status/ControlPanel.h"
+
+#include <QAction>
+#include <QCoreApplication>
+#include <QDebug>
+#include <QPointer>
+
+#include <chrono>
+
+namespace {
+
+using std::chrono::milliseconds;
+
+constexpr quint16 kUdpPort = 8082; // not configurable: the server's audio port is part of the protocol
+constexpr int kDefaultServerPort = 8080;
+constexpr int kHighestPort = 65535;
+constexpr milliseconds kAutoJoinDelay{1000};
+constexpr milliseconds kReadinessDelay{3000};
+constexpr milliseconds kQuitDelay{100};
+constexpr milliseconds kKeepaliveInterval{25000};
+constexpr int kShownKeyPart = 16;
+
+// How long passing status texts stand, in milliseconds; 0 is until the next one.
+constexpr int kBriefly = 2000;
+constexpr int kShortly = 3000;
+constexpr int kReadably = 5000;
+constexpr int kLong = 10000;
+
+const char *okOrNull(const void *object)
+{
+    return object ? "OK" : "NULL";
+}
+
+} // namespace
+
+void MainWindow::connectAutomatically()
+{
+    const Config &config = Config::instance();
+    const QString address = config.serverAddress();
+    if (!config.setupCompleted() || address.isEmpty())
+        return;
+    m_client->connectToServer(address, static_cast<quint16>(config.serverPort()));
+    showStatus(QStringLiteral("Connecting to %1...").arg(address));
+}
+
+void MainWindow::onConnectToServer()
+{
+    const QPointer<MainWindow> self(this);
+    const QString title = QStringLiteral("Connect to Server");
+    const auto address = m_prompts.text(title, QStringLiteral("Server Address:"), m_endpoints.serverHost);
+    if (!self || !address || address->isEmpty())
+        return;
+    const auto port = m_prompts.number(title, QStringLiteral("Port:"), kDefaultServerPort, 1, kHighestPort);
+    if (!self || !port)
+        return;
+    m_client->connectToServer(*address, static_cast<quint16>(*port));
+}
+
+void MainWindow::onDisconnectFromServer()
+{
+    m_client->disconnectFromServer();
+}
+
+void MainWindow::armReconnect()
+{
+    if (!m_reconnectTimer->isActive() && !m_reconnectArmTimer->isActive())
+        m_reconnectArmTimer->start();
+}
+
+void MainWindow::onReconnectTick()
+{
+    if (m_client->isConnected())
+        return;
+    if (m_client->socketState() != QAbstractSocket::UnconnectedState) {
+        m_client->abortConnection(); // half open: try again at the next tick
+        return;
+    }
+    const Config &config = Config::instance();
+    const QString address = config.serverAddress();
+    if (address.isEmpty())
+        return;
+    showStatus(QStringLiteral("Reconnecting to %1...").arg(address));
+    m_client->connectToServer(address, static_cast<quint16>(config.serverPort()));
+}
+
+void MainWindow::onClientError(const QString &error)
+{
+    showStatus(QStringLiteral("Error: ") + error, kReadably);
+    // A connection that never came up is lost as well: a gateway that starts before its router has to try again.
+    if (!m_client->isConnected() && m_client->socketState() == QAbstractSocket::UnconnectedState)
+        armReconnect();
+}
+
+void MainWindow::onNetworkConnected()
+{
+    const Config &config = Config::instance();
+    showStatus(QStringLiteral("Connected to server"), kShortly);
+    m_actions->apply(ConnectionState::Connected);
+    m_serverAddress = config.serverAddress();
+    qDebug().noquote() << "[MainWindow] onNetworkConnected - Server from config:" << m_serverAddress
+                       << config.serverPort();
+    m_actions->showConnected(true);
+    ensureHardwareId();
+    promptForLogin();
+}
+
+void MainWindow::ensureHardwareId()
+{
+    Config &config = Config::instance();
+    if (!config.hwid().isEmpty())
+        return;
+    config.setHwid(generateHardwareId());
+    config.save();
+}
+
+void MainWindow::promptForLogin()
+{
+    const Config &config = Config::instance();
+    switch (LoginFlow::firstStep({config.callsign(), config.password(), config.rememberPassword()})) {
+    case LoginFlow::Step::LogIn:
+        sendLogin(config.callsign().toUpper(), config.password());
+        showStatus(QStringLiteral("Auto-login as ") + config.callsign().toUpper());
+        break;
+    case LoginFlow::Step::AskCallsign:
+        if (askCallsign())
+            askPassword();
+        break;
+    case LoginFlow::Step::AskMissingPassword: askMissingPassword(); break;
+    case LoginFlow::Step::ConfirmPassword: askPassword(); break;
+    }
+}
+
+/// True when a callsign was entered and this window is still there.
+bool MainWindow::askCallsign()
+{
+    const QPointer<MainWindow> self(this);
+    const auto callsign = m_prompts.text(QStringLiteral("Login"), QStringLiteral("Callsign:"));
+    if (!self || !callsign || callsign->isEmpty())
+        return false;
+    Config::instance().setCallsign(callsign->toUpper());
+    return true;
+}
+
+void MainWindow::askMissingPassword()
+{
+    Config &config = Config::instance();
+    const QString callsign = config.callsign();
+    const QPointer<MainWindow> self(this);
+    const auto password = m_prompts.password(QStringLiteral("Login"), QStringLiteral("Password for %1:").arg(callsign));
+    if (!self || !password || password->isEmpty())
+        return;
+    if (config.rememberPassword())
+        config.setPassword(*password);
+    config.save();
+    if (!m_client->isConnected())
+        return;
+    sendLogin(callsign.toUpper(), *password);
+    showStatus(QStringLiteral("Logging in as ") + callsign.toUpper());
+}
+
+void MainWindow::askPassword()
+{
+    Config &config = Config::instance();
+    const QString callsign = config.callsign();
+    const QPointer<MainWindow> self(this);
+    const auto password = m_prompts.password(QStringLiteral("Login"), QStringLiteral("Password for %1:").arg(callsign));
+    if (!self || !password)
+        return;
+    config.setPassword(config.rememberPassword() ? *password : QString());
+    if (config.rememberPassword())
+        config.setCallsign(callsign);
+    config.save();
+    sendLogin(callsign, *password);
+    refreshReadiness();
+}
+
+void MainWindow::sendLogin(const QString &callsign, const QString &password)
+{
+    m_client->login(callsign, password, Config::instance().hwid());
+}
+
+void MainWindow::onLoginResult(bool success, const QString &message)
+{
+    if (success)
+        onLoginSucceeded();
+    else
+        reportLoginFailure(message);
+}
+
+void MainWindow::reportLoginFailure(const QString &message)
+{
+    showStatus(QStringLiteral("Login failed: ") + message);
+    qDebug().noquote() << "[MainWindow] Login failed:" << message;
+    switch (LoginFlow::classifyFailure(message)) {
+    case LoginFlow::Failure::WrongPassword: askPasswordAgain(); break;
+    case LoginFlow::Failure::Banned:
+        m_prompts.critical(QStringLiteral("Akun Dibanned"),
+                           QStringLiteral("Akun Anda telah dibanned oleh administrator.\n\n"
+                                          "Hubungi administrator untuk informasi lebih lanjut."));
+        break;
+    case LoginFlow::Failure::Suspended:
+        m_prompts.warning(QStringLiteral("Akun Disuspend"),
+                          QStringLiteral("Akun Anda sedang disuspend.\n\n"
+                                         "Hubungi administrator untuk mengaktifkan kembali."));
+        break;
+    case LoginFlow::Failure::UnknownDevice: offerDeviceReset(); break;
+    case LoginFlow::Failure::UnknownCallsign:
+        m_prompts.warning(QStringLiteral("Callsign Tidak Ditemukan"),
+                          QStringLiteral("Callsign tidak terdaftar di server.\n\n"
+                                         "Pastikan callsign sudah benar atau daftarkan\n"
+                                         "gateway Anda terlebih dahulu."));
+        break;
+    case LoginFlow::Failure::ActiveElsewhere:
+        m_prompts.warning(QStringLiteral("Sesi Aktif di Perangkat Lain"),
+                          QStringLiteral("Akun Anda sedang digunakan di perangkat lain.\n\n"
+                                         "Logout dari perangkat tersebut dan coba lagi."));
+        break;
+    case LoginFlow::Failure::Other:
+        m_prompts.warning(QStringLiteral("Login Gagal"), QStringLiteral("Gagal login ke server.\n\n") + message);
+        break;
+    }
+}
+
+void MainWindow::offerDeviceReset()
+{
+    const QPointer<MainWindow> self(this);
+    const bool wanted = m_prompts.offer(QStringLiteral("Perangkat Tidak Dikenal"),
+                                        QStringLiteral("Perangkat ini tidak terdaftar untuk akun Anda.\n\n"
+                                                       "Kemungkinan Anda baru pindah ke PC/laptop baru.\n\n"
+                                                       "Kirim permintaan Reset HWID ke administrator sekarang?"));
+    if (!self || !wanted)
+        return;
+    const QString callsign = Config::instance().callsign();
+    if (callsign.isEmpty() || !m_client->isConnected())
+        return;
+    m_client->sendCommand(QStringLiteral("USER_REQUEST_HWID_RESET \"%1\"").arg(callsign));
+    m_prompts.information(QStringLiteral("Permintaan Terkirim"),
+                          QStringLiteral("Permintaan reset HWID telah dikirim.\n"
+                                         "Hubungi administrator untuk mempercepat proses."));
+}
+
+void MainWindow::askPasswordAgain()
+{
+    const QPointer<MainWindow> self(this);
+    while (!m_retryPromptOpen) {
+        m_retryPromptOpen = true;
+        const QString callsign = Config::instance().callsign();
+        if (!LoginFlow::mayTryAgain(++m_wrongPasswords)) {
+            giveUpLogin();
+            return;
+        }
+        const QString text =
+            QStringLiteral("Password untuk %1 salah.\n\n"
+                           "Silakan masukkan password yang benar.\n"
+                           "(Percobaan %2 dari %3)")
+                .arg(callsign, QString::number(m_wrongPasswords), QString::number(LoginFlow::kPasswordAttempts));
+        const auto password = m_prompts.password(QStringLiteral("Password Salah"), text);
+        if (!self)
+            return;
+        if (!password) {
+            cancelRetry();
+            return;
+        }
+        if (!password->isEmpty()) {
+            Config::instance().setPassword(*password); // even where it is not to be remembered
+            Config::instance().save();
+            showStatus(QStringLiteral("Mencoba login ulang..."));
+            m_retryPromptOpen = false;
+            sendLogin(callsign.toUpper(), *password);
+            return;
+        }
+        m_prompts.warning(QStringLiteral("Error"), QStringLiteral("Password tidak boleh kosong."));
+        if (!self)
+            return;
+        --m_wrongPasswords; // an empty entry is no attempt
+        m_retryPromptOpen = false;
+    }
+}
+
+void MainWindow::cancelRetry()
+{
+    const QPointer<MainWindow> self(this);
+    const bool quits =
+        m_prompts.confirm(QStringLiteral("Konfirmasi"), QStringLiteral("Apakah Anda yakin ingin membatalkan login?\n\n"
+                                                                       "Aplikasi akan ditutup."));
+    // On No the guard stays set on purpose: whoever declines is not asked again.
+    if (!self || !quits)
+        return;
+    m_retryPromptOpen = false;
+    QCoreApplication::quit();
+}
+
+void MainWindow::giveUpLogin()
+{
+    const QPointer<MainWindow> self(this);
+    m_prompts.critical(QStringLiteral("Login Gagal"),
+                       QStringLiteral("Anda telah salah memasukkan password sebanyak %1 kali.\n\n"
+                                      "Aplikasi akan ditutup.")
+                           .arg(LoginFlow::kPasswordAttempts));
+    if (!self)
+        return;
+    m_wrongPasswords = 0;
+    m_retryPromptOpen = false;
+    QTimer::singleShot(kQuitDelay, qApp, &QCoreApplication::quit);
+}
+
+void MainWindow::onLoginSucceeded()
+{
+    m_wrongPasswords = 0;
+    m_retryPromptOpen = false;
+    const int userId = m_client->userId();
+    const bool isAdmin = m_client->isAdmin();
+    showStatus(QStringLiteral("Login successful"));
+    qDebug() << "[MainWindow] Login successful, userId:" << userId;
+    qDebug() << "[MainWindow] m_client:" << okOrNull(m_client);
+    qDebug() << "[MainWindow] m_client->isAdmin():" << isAdmin;
+    qDebug() << "[MainWindow] m_adminPanelAction:" << okOrNull(m_actions->adminPanel);
+
+    m_udp->setUserId(userId);
+    qDebug() << "[MainWindow] UDP user ID set to:" << userId;
+    restartUdp();
+
+    m_client->sendCommand(QStringLiteral("GET_AUDIO_QUALITY"));
+    qDebug() << "[MainWindow] Requested audio quality from server";
+    m_client->sendCommand(QStringLiteral("ROOMS"));
+    m_client->sendCommand(QStringLiteral("USER_GET_PROFILE"));
+
+    qDebug() << "[MainWindow] Admin access:" << isAdmin;
+    m_actions->setAdmin(isAdmin);
+    m_roomPanel->setAdmin(isAdmin);
+    m_actions->toolbarJoin->setEnabled(true);
+
+    armAutoJoin();
+    QTimer::singleShot(kReadinessDelay, this, &MainWindow::refreshReadiness);
+    // Once more at every login of a run, not uniquely: a later key then tells its story twice, which is known and
+    // harmless, as handling a key again changes nothing.
+    connect(m_client, &TcpClient::roomKeyReceived, this, &MainWindow::onRoomKeyReceived);
+}
+
+void MainWindow::armAutoJoin()
+{
+    const QString room = Config::instance().defaultRoom();
+    if (room.isEmpty())
+        return;
+    QTimer::singleShot(kAutoJoinDelay, this, [this, room] {
+        qDebug().noquote() << "[MainWindow] Auto-joining default room:" << room;
+        m_client->joinRoom(room);
+    });
+}
+
+void MainWindow::restartUdp()
+{
+    m_udpRetryTimer->stop();
+    m_udp->stop();
+    m_udp->enableUdp(m_serverAddress, kUdpPort, m_client->udpToken());
+    m_udp->setUserId(m_client->userId());
+    qDebug() << "[MainWindow] UDP re-enabled for new room";
+}
+
+void MainWindow::onRoomListReceived(const QStringList &rooms)
+{
+    m_roomPanel->setRooms(rooms);
+    showStatus(QStringLiteral("Rooms loaded: %1").arg(rooms.size()));
+    Config &config = Config::instance();
+    const QString old = config.defaultRoom();
+    const auto replacement = LoginFlow::replacementRoom(old, rooms);
+    if (!replacement)
+        return;
+    config.setDefaultRoom(*replacement);
+    qDebug().noquote()
+        << QStringLiteral("[MainWindow] Default room '%1' tidak ada di server, diganti ke '%2'").arg(old, *replacement);
+    showStatus(QStringLiteral("Default room diubah ke: %1").arg(*replacement), kReadably);
+}
+
+void MainWindow::onJoinRoom()
+{
+    if (!m_client->isConnected())
+        return;
+    const QString title = QStringLiteral("Join Room");
+    const QStringList rooms = m_roomPanel->availableRooms();
+    if (rooms.isEmpty()) {
+        m_prompts.information(title, QStringLiteral("No rooms available"));
+        return;
+    }
+    const QPointer<MainWindow> self(this);
+    const auto room = m_prompts.choice(title, QStringLiteral("Select room:"), rooms);
+    if (self && room && !room->isEmpty())
+        m_client->joinRoom(*room);
+}
+
+void MainWindow::onJoinRoomResult(bool success, const QString &room)
+{
+    // The answer may have waited in the buffer of a connection that is gone.
+    if (!success || !m_client->isConnected())
+        return;
+    m_roomPanel->setCurrentRoom(room);
+    m_controlPanel->setInRoom(true);
+    refreshReadiness();
+    m_actions->apply(ConnectionState::InRoom);
+    runAudio();
+    showStatus(QStringLiteral("Joined room: ") + room);
+}
+
+void MainWindow::runAudio()
+{
+    if (!m_engine->isPlaying())
+        m_engine->startPlayback();
+    if (!m_engine->isCapturing())
+        m_engine->startCapture();
+}
+
+void MainWindow::onRoomKeyReceived(const QString &key)
+{
+    qDebug().noquote() << "[MainWindow] Room key received:" << key.left(kShownKeyPart) + QLatin1String("...");
+    m_client->discardPendingAudio();
+    m_engine->clearBuffers();
+    m_engine->resetDecoder();
+    qDebug() << "[MainWindow] Audio buffers cleared and decoder reset";
+    m_engine->setEncryptionKey(key);
+    runAudio();
+    if (!m_udp->isReady() || m_udpFailed) {
+        qDebug() << "[MainWindow] UDP not ready, reinitializing for new room...";
+        restartUdp();
+    } else {
+        qDebug() << "[MainWindow] UDP healthy, resending token for new room...";
+        m_udp->resendToken(m_client->udpToken());
+    }
+    showStatus(QStringLiteral("Encryption key updated and buffers cleared"), kBriefly);
+}
+
+void MainWindow::onLeaveRoom()
+{
+    const QString leave = QStringLiteral("LEAVE");
+    m_client->sendCommand(leave);
+    if (m_engine->isCapturing()) {
+        m_engine->stopCapture();
+        qDebug() << "[MainWindow] Capture stopped (left room)";
+    }
+    m_client->sendCommand(leave); // the command goes out twice on purpose
+    forgetRoom();
+    m_actions->apply(ConnectionState::LeftRoom);
+    showStatus(QStringLiteral("Left room"));
+}
+
+void MainWindow::onPanelLeave()
+{
+    m_client->sendCommand(QStringLiteral("LEAVE"));
+    forgetRoom();
+    m_actions->apply(ConnectionState::LeftRoom);
+    showStatus(QStringLiteral("Left room"));
+}
+
+void MainWindow::forgetRoom()
+{
+    m_roomPanel->setCurrentRoom({});
+    m_roomPanel->clearUsers();
+    m_controlPanel->setInRoom(false);
+    refreshReadiness();
+}
+
+void MainWindow::onNetworkDisconnected()
+{
+    showStatus(QStringLiteral("Disconnected"));
+    m_actions->apply(ConnectionState::Disconnected);
+    m_actions->showConnected(false);
+    m_actions->setRooms({});
+    m_roomPanel->setRooms({});
+    m_roomPanel->setCurrentRoom({});
+    m_roomPanel->clearUsers();
+    m_controlPanel->setInRoom(false);
+    m_controlPanel->setSerialReady(false);
+    m_controlPanel->updateReadiness();
+}
+
+void MainWindow::onKicked(const QString &reason)
+{
+    forgetRoom();
+    m_actions->apply(ConnectionState::Kicked);
+    const QPointer<MainWindow> self(this);
+    m_prompts.warning(QStringLiteral("Dikeluarkan dari Server"),
+                      QStringLiteral("Anda telah dikeluarkan oleh administrator.\n\nAlasan: ") + reason);
+    if (self)
+        showStatus(QStringLiteral("Kicked: ") + reason, kLong);
+}
+
+void MainWindow::onBanned(const QString &reason)
+{
+    forgetRoom();
+    m_actions->apply(ConnectionState::Banned);
+    const QPointer<MainWindow> self(this);
+    m_prompts.critical(QStringLiteral("Akun Dibanned"),
+                       QStringLiteral("Akun Anda telah dibanned oleh administrator.\n\nAlasan: %1"
+                                      "\n\nHubungi administrator untuk informasi lebih lanjut.")
+                           .arg(reason));
+    if (self)
+        showStatus(QStringLiteral("Banned - Hubungi admin"));
+}
+
+void MainWindow::onUdpReady()
+{
+    qDebug() << "[MainWindow] UDP is ready!";
+    showStatus(QStringLiteral("UDP audio ready"), kShortly);
+    m_udpFailed = false;
+    m_udpRetryTimer->stop();
+    if (!m_keepaliveTimer) {
+        m_keepaliveTimer = new QTimer(this);
+        m_keepaliveTimer->setObjectName(QStringLiteral("keepaliveTimer"));
+        m_keepaliveTimer->setInterval(kKeepaliveInterval);
+        connect(m_keepaliveTimer, &QTimer::timeout, m_udp, &UdpAudio::sendKeepalive);
+    }
+    m_keepaliveTimer->start();
+    qDebug() << "[MainWindow] UDP keepalive timer started (25s interval)";
+}
+
+void MainWindow::onUdpFailed()
+{
+    qDebug() << "[MainWindow] ***** UDP FAILED SIGNAL *****";
+    qDebug() << "[MainWindow] UDP failed, will retry automatically";
+    showStatus(QStringLiteral("UDP connection lost - auto-retrying..."), kReadably);
+    m_udpFailed = true;
+    m_udpRetryTimer->start();
+}
+
+/// The link itself gives up after one try of each step; without this a gateway whose datagrams were lost for a moment
+/// would stay silent until somebody changes the room.
+void MainWindow::retryUdp()
+{
+    if (m_udpFailed && m_client->isConnected() && !m_client->udpToken().isEmpty())
+        restartUdp();
+}
+
+void MainWindow::refreshReadiness()
+{
+    m_controlPanel->setSerialReady(m_serial->isOpen());
+    m_controlPanel->updateReadiness();
+}

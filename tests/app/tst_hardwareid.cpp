@@ -1,0 +1,138 @@
+#include "app/HardwareId.h"
+#include "support/TestMain.h"
+
+#include <QCryptographicHash>
+#include <QFile>
+#include <QNetworkInterface>
+#include <QRegularExpression>
+#include <QSysInfo>
+#include <QTemporaryDir>
+
+namespace {
+
+// A program of that name on PATH, as the tests' own "wmic".
+class FakeWmic final
+{
+public:
+    explicit FakeWmic(const QByteArray &script)
+        : m_path(qgetenv("PATH"))
+    {
+        QFile file(m_folder.filePath(QStringLiteral("wmic")));
+        if (file.open(QIODevice::WriteOnly))
+            file.write("#!/bin/sh\n" + script);
+        file.setPermissions(QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
+        file.close();
+        qputenv("PATH", QFile::encodeName(m_folder.path()) + ':' + m_path);
+    }
+    ~FakeWmic() { qputenv("PATH", m_path); }
+    Q_DISABLE_COPY_MOVE(FakeWmic)
+
+private:
+    QTemporaryDir m_folder;
+    QByteArray m_path;
+};
+
+QString expectedFor(const QString &processor)
+{
+    QString mac = QStringLiteral("00:00:00:00:00:00");
+    const auto interfaces = QNetworkInterface::allInterfaces();
+    for (const QNetworkInterface &interface : interfaces) {
+        const auto flags = interface.flags();
+        if ((flags & QNetworkInterface::IsUp) && (flags & QNetworkInterface::IsRunning) &&
+            !(flags & QNetworkInterface::IsLoopBack)) {
+            mac = interface.hardwareAddress();
+            break;
+        }
+    }
+    const QByteArray facts = (QSysInfo::machineHostName() + QLatin1Char('|') + mac + QLatin1Char('|') + processor +
+                              QLatin1Char('|') + QSysInfo::productType() + QLatin1Char('|') + QSysInfo::kernelVersion())
+                                 .toUtf8();
+    return QString::fromLatin1(QCryptographicHash::hash(facts, QCryptographicHash::Sha256).toHex()).left(32);
+}
+
+QByteArray utf16WithMark(const QString &text)
+{
+    const QString marked = QChar(QChar::ByteOrderMark) + text;
+    return QByteArray(reinterpret_cast<const char *>(marked.utf16()), marked.size() * int(sizeof(ushort)));
+}
+
+} // namespace
+
+class HardwareIdTest final : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void isAlways32HexDigits();
+    void isTheSameTwice();
+    void digestOfAPcWithLoopbackOnly();
+    void readsWmic_data();
+    void readsWmic();
+    void usesTheProcessorThatWmicNames();
+    void fallsBackToTheArchitecture_data();
+    void fallsBackToTheArchitecture();
+};
+
+void HardwareIdTest::isAlways32HexDigits()
+{
+    const QRegularExpression form(QStringLiteral("^[0-9a-f]{32}$"));
+    QVERIFY(form.match(generateHardwareId()).hasMatch());
+}
+
+void HardwareIdTest::isTheSameTwice()
+{
+    QCOMPARE(generateHardwareId(), generateHardwareId());
+}
+
+void HardwareIdTest::digestOfAPcWithLoopbackOnly()
+{
+    // printf 'hill|00:00:00:00:00:00|x86_64|debian|6.1.0' | sha256sum | cut -c1-32
+    QCOMPARE(HardwareId::digest({QStringLiteral("hill"), QStringLiteral("00:00:00:00:00:00"), QStringLiteral("x86_64"),
+                                 QStringLiteral("debian"), QStringLiteral("6.1.0")}),
+             QStringLiteral("082119ed68aca90ea0d8055488b488d3"));
+}
+
+void HardwareIdTest::readsWmic_data()
+{
+    QTest::addColumn<QByteArray>("output");
+    QTest::addColumn<QString>("id");
+    const QString id = QStringLiteral("BFEBFBFF000906EA");
+    const QString text = QStringLiteral("ProcessorId       \r\r\n") + id + QStringLiteral("  \r\r\n\r\r\n");
+    QTest::newRow("console code page") << text.toLatin1() << id;
+    QTest::newRow("UTF-16 with a byte-order mark") << utf16WithMark(text) << id;
+    QTest::newRow("blank line between") << QByteArray("ProcessorId\n   \r\nABC\n") << QStringLiteral("ABC");
+    QTest::newRow("no line feed at the end") << QByteArray("ProcessorId\nABC") << QStringLiteral("ABC");
+    QTest::newRow("heading only") << QByteArray("ProcessorId\r\n") << QString();
+    QTest::newRow("nothing") << QByteArray() << QString();
+    QTest::newRow("odd bytes after a byte-order mark") << QByteArray::fromHex("fffe0a") << QString();
+}
+
+void HardwareIdTest::readsWmic()
+{
+    QFETCH(QByteArray, output);
+    QTEST(HardwareId::processorIdFromWmic(output), "id");
+}
+
+void HardwareIdTest::usesTheProcessorThatWmicNames()
+{
+    const FakeWmic wmic("[ \"$*\" = 'cpu get ProcessorId' ] && printf 'ProcessorId\\r\\n0123456789ABCDEF  \\r\\n'\n");
+    QCOMPARE(generateHardwareId(), expectedFor(QStringLiteral("0123456789ABCDEF")));
+}
+
+void HardwareIdTest::fallsBackToTheArchitecture_data()
+{
+    QTest::addColumn<QByteArray>("script");
+    QTest::newRow("prints only the heading") << QByteArray("echo ProcessorId\n");
+    QTest::newRow("prints nothing") << QByteArray("exit 1\n");
+    QTest::newRow("does not finish") << QByteArray("echo ProcessorId; echo LATE; exec sleep 60\n");
+}
+
+void HardwareIdTest::fallsBackToTheArchitecture()
+{
+    QFETCH(QByteArray, script);
+    const FakeWmic wmic(script);
+    QCOMPARE(generateHardwareId(), expectedFor(QSysInfo::currentCpuArchitecture()));
+}
+
+EVOX_TEST_MAIN(HardwareIdTest, QCoreApplication)
+#include "tst_hardwareid.moc"
