@@ -1,0 +1,74 @@
+#include "support/Screenshots.h"
+#include "support/TestMain.h"
+#include "ui/account/UserInfoDialog.h"
+
+#include <QApplication>
+#include <QLabel>
+
+class UserInfoDialogTest final : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void fullRecord();
+    void emptyRecord();
+    void nameWithoutAGateway();
+    void showsHostileTextsLiterally();
+};
+
+void UserInfoDialogTest::fullRecord()
+{
+    const QVariantMap record{{QStringLiteral("gateway_name"), QStringLiteral("Bukit Tinggi")},
+                             {QStringLiteral("name"), QStringLiteral("Sari")},
+                             {QStringLiteral("callsign"), QStringLiteral("YH0AB")},
+                             {QStringLiteral("id"), 42},
+                             {QStringLiteral("frequency"), QStringLiteral("145.500 MHz")},
+                             {QStringLiteral("location"), QStringLiteral("Bukit")},
+                             {QStringLiteral("responsible_name"), QStringLiteral("Sari")},
+                             {QStringLiteral("responsible_callsign"), QStringLiteral("YB0ABC")},
+                             {QStringLiteral("email"), QStringLiteral("yh0ab@example.org")},
+                             {QStringLiteral("whatsapp"), QStringLiteral("0812")},
+                             {QStringLiteral("status"), QStringLiteral("suspended")},
+                             {QStringLiteral("approved"), true},
+                             {QStringLiteral("license_expiry"), QStringLiteral("2027-12-31")},
+                             {QStringLiteral("last_login"), QStringLiteral("2026-11-21T08:00:00")},
+                             {QStringLiteral("registered_hwid"), QStringLiteral("abc")}};
+    UserInfoDialog dialog(record);
+    QCOMPARE(dialog.windowTitle(), QStringLiteral("RF-Gateway Info - YH0AB"));
+    QCOMPARE(dialog.findChild<QLabel *>(QStringLiteral("infoText"))->text(),
+             QStringLiteral("Name        : Bukit Tinggi\nCallsign    : YH0AB\nID          : 42\n"
+                            "Freq        : 145.500 MHz\nLoc         : Bukit\nPIC         : Sari (YB0ABC)\n"
+                            "Email       : yh0ab@example.org\nWA          : 0812\nStatus      : suspended\n"
+                            "Approved    : Yes\nExpiry      : 2027-12-31\nLast Login  : 2026-11-21 08:00:00\n"
+                            "HWID        : abc\nPING        : -- ms\nVersion     : -"));
+    Screenshots::save(dialog, QStringLiteral("user-info"));
+}
+
+void UserInfoDialogTest::emptyRecord()
+{
+    QCOMPARE(UserInfoDialog::textFor({}),
+             QStringLiteral("Name        : -\nCallsign    : -\nID          : -\nFreq        : -\nLoc         : -\n"
+                            "PIC         : - (-)\nEmail       : -\nWA          : -\nStatus      : active\n"
+                            "Approved    : No\nExpiry      : -\nLast Login  : -\nHWID        : -\n"
+                            "PING        : -- ms\nVersion     : -"));
+}
+
+void UserInfoDialogTest::nameWithoutAGateway()
+{
+    QVERIFY(UserInfoDialog::textFor({{QStringLiteral("name"), QStringLiteral("Sari")}})
+                .startsWith(QStringLiteral("Name        : Sari\n")));
+}
+
+void UserInfoDialogTest::showsHostileTextsLiterally()
+{
+    const QVariantMap record{{QStringLiteral("gateway_name"), QStringLiteral("<img src=x>%2")},
+                             {QStringLiteral("location"), QString(100000, QLatin1Char('W'))}};
+    UserInfoDialog dialog(record);
+    const auto *label = dialog.findChild<QLabel *>(QStringLiteral("infoText"));
+    QCOMPARE(label->textFormat(), Qt::PlainText);
+    QVERIFY(label->text().contains(QStringLiteral("<img src=x>%2")));
+    QVERIFY2(dialog.sizeHint().width() < 2000, "a long text scrolls, it does not widen the dialog");
+}
+
+EVOX_TEST_MAIN(UserInfoDialogTest, QApplication)
+#include "tst_userinfodialog.moc"
