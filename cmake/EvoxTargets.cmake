@@ -18,6 +18,8 @@ function(evox_add_program name)
     evox_warnings(${name})
 endfunction()
 
+file(WRITE ${CMAKE_BINARY_DIR}/no-alsa.conf "# empty: hides every device\n")
+
 # tests-unit, tests-wire, tests-widget, tests-e2e: the test programs of one label.
 foreach(label unit wire widget e2e)
     add_custom_target(tests-${label})
@@ -47,7 +49,9 @@ function(evox_add_test folder name)
     add_dependencies(tests-${ARG_LABEL} ${name})
     add_test(NAME ${name} COMMAND ${name})
     set(environment QT_QPA_PLATFORM=offscreen QT_LOGGING_RULES= LC_ALL=C.UTF-8
-        EVOX_BUILD_DIR=${CMAKE_BINARY_DIR} ${EVOX_SANITIZER_ENVIRONMENT})
+        EVOX_BUILD_DIR=${CMAKE_BINARY_DIR} ${EVOX_SANITIZER_ENVIRONMENT}
+        # No sound daemon and no device of this machine: a test that needs sound brings its own daemon.
+        PULSE_SERVER=unix:${CMAKE_BINARY_DIR}/no-sound-daemon ALSA_CONFIG_PATH=${CMAKE_BINARY_DIR}/no-alsa.conf)
     if(ARG_SERIAL)
         add_dependencies(${name} evox-simserial)
         list(APPEND environment "LD_PRELOAD=$<$<BOOL:${EVOX_LIBASAN}>:${EVOX_LIBASAN}:>$<TARGET_FILE:evox-simserial>")
