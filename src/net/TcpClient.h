@@ -1,6 +1,9 @@
 #pragma once
 
+#include "net/protocol/MessageBuffer.h"
+
 #include <QAbstractSocket>
+#include <QHash>
 #include <QList>
 #include <QObject>
 #include <QStringList>
@@ -8,6 +11,7 @@
 
 class QTcpSocket;
 class QTimer;
+class ServerMessage;
 
 /// The control connection to the server: a TCP socket with a line protocol. Sends commands, keeps a heart-beat that
 /// measures the round trip, and turns every server line into a signal. Never reconnects by itself. GUI thread only.
@@ -87,4 +91,64 @@ private slots:
     void onReadyRead();
     void onError(QAbstractSocket::SocketError error);
     void onHeartbeat();
+
+private:
+    using Handler = void (TcpClient::*)(const ServerMessage &);
+
+    void scheduleDrain();
+    void drain();
+    void dispatchLine(const QString &line);
+    void dispatch(const QString &line);
+    void endOverlongConnection();
+    /// Says goodbye on the connection of that number, if it is still the present one.
+    void disconnectFrom(int connection);
+
+    // TcpClientMessages.cpp: one small handler per message word
+    [[nodiscard]] static const QHash<QString, Handler> &handlers();
+    void handlePong();
+    void handleLoginOk(const ServerMessage &message);
+    void handleLoginFailed(const ServerMessage &message);
+    void handleRegisterOk(const ServerMessage &message);
+    void handleRegisterFailed(const ServerMessage &message);
+    void handleRooms(const ServerMessage &message);
+    void handleJoinOk(const ServerMessage &message);
+    void handleJoinFailed(const ServerMessage &message);
+    void handleLeaveOk(const ServerMessage &message);
+    void handleMoved(const ServerMessage &message);
+    void handleUserList(const ServerMessage &message);
+    void handleOnlineUsers(const ServerMessage &message);
+    void handleAllUsers(const ServerMessage &message);
+    void handlePendingUsers(const ServerMessage &message);
+    void handleUserInfo(const ServerMessage &message);
+    void handleUserInfoResult(const ServerMessage &message);
+    void handleUserProfile(const ServerMessage &message);
+    void handleTransmitStarted(const ServerMessage &message);
+    void handleTransmitFailed(const ServerMessage &message);
+    void handleTransmitStopped(const ServerMessage &message);
+    void handlePasswordChanged(const ServerMessage &message);
+    void handlePasswordChangeFailed(const ServerMessage &message);
+    void handleNotification(const ServerMessage &message);
+    void handleMuted(const ServerMessage &message);
+    void handleHwidReset(const ServerMessage &message);
+    void handleRoomOrderSaved(const ServerMessage &message);
+    void handleSubjectAcknowledged(const ServerMessage &message);
+    void handleAcknowledged(const ServerMessage &message);
+    void handleServerInfo(const ServerMessage &message);
+    void handleAudioQuality(const ServerMessage &message);
+    void handleError(const ServerMessage &message);
+    void handleKicked(const ServerMessage &message);
+    void handleBanned(const ServerMessage &message);
+    void enterRoom(const QString &room, const QString &key);
+
+    QTcpSocket *m_socket = nullptr;
+    QTimer *m_heartbeat = nullptr;
+    MessageBuffer m_buffer;
+    bool m_connected = false;
+    QString m_pendingLine;   ///< a line whose payload comes on the next one
+    qint64 m_pingSentAt = 0; ///< milliseconds since the epoch; 0 when no PING is outstanding
+    QString m_udpToken;
+    int m_userId = 0;
+    bool m_isAdmin = false;
+    int m_connection = 0; ///< counts connections, so that a late reaction does not hit the next one
+    bool m_drainScheduled = false;
 };

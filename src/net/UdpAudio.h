@@ -3,6 +3,9 @@
 #include <QHostAddress>
 #include <QObject>
 
+#include <functional>
+#include <memory>
+
 class QTimer;
 class QUdpSocket;
 
@@ -31,6 +34,8 @@ public:
     void sendKeepalive();
     /// Announces this socket to the server again, after a change of room; nothing while the link is not ready.
     void resendToken(const QString &token);
+    /// Where the time comes from, in milliseconds since the epoch; for tests.
+    void setClock(std::function<qint64()> clock);
     /// Frames and sends one payload; dropped while the link is not ready.
     void sendAudio(const QByteArray &payload);
 
@@ -42,4 +47,32 @@ signals:
 private slots:
     void onReadyRead();
     void onHandshakeTimeout();
+
+private:
+    enum class Step { AwaitPong = 0, AwaitConfirmation = 1, Confirmed = 2 };
+
+    [[nodiscard]] QHostAddress resolve(const QString &host);
+    [[nodiscard]] bool openSocket();
+    void sendPing();
+    void sendToken();
+    void fail();
+    void confirm();
+    void handleDatagram(const QByteArray &datagram);
+    void handleRegistered(const QString &text);
+    Q_INVOKABLE void checkHealth();
+    void reinitialize();
+    qint64 send(const QByteArray &datagram);
+
+    std::unique_ptr<QUdpSocket> m_socket; ///< a fresh one for every enableUdp()
+    QHostAddress m_serverAddress;
+    quint16 m_serverPort = 0;
+    int m_userId = 0;
+    bool m_ready = false;
+    QTimer *m_handshakeTimer = nullptr;
+    Step m_step = Step::AwaitPong;
+    QTimer *m_healthTimer = nullptr;
+    QTimer *m_reinitializeTimer = nullptr;
+    qint64 m_lastReceived = 0; ///< milliseconds since the epoch; 0 = never
+    QString m_token;
+    std::function<qint64()> m_clock;
 };

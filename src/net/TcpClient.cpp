@@ -1,0 +1,263 @@
+#include "net/TcpClient.h"
+
+#include "net/protocol/ServerMessage.h"
+
+#include <QDateTime>
+#include <QDebug>
+#include <QPointer>
+#include <QTcpSocket>
+#include <QTimer>
+
+#include <chrono>
+#include <utility>
+
+namespace {
+
+constexpr std::chrono::milliseconds kHeartbeatInterval{5000};
+
+// A message of these words that stands alone on its line announces that its payload is the next line.
+bool announcesPayload(const QString &line)
+{
+    return line == QLatin1String("USER_PROFILE") || line == QLatin1String("USER_INFO_RESULT");
+}
+
+} // namespace
+
+TcpClient::TcpClient(QObject *parent)
+    : QObject(parent)
+    , m_socket(new QTcpSocket(this))
+    , m_heartbeat(new QTimer(this))
+{
+    m_heartbeat->setInterval(kHeartbeatInterval);
+    connect(m_heartbeat, &QTimer::timeout, this, &TcpClient::onHeartbeat);
+    // Queued: the reaction may open a box, and that must not happen inside the socket's own signal.
+    connect(m_socket, &QTcpSocket::connected, this, &TcpClient::onConnected, Qt::QueuedConnection);
+    connect(m_socket, &QTcpSocket::disconnected, this, &TcpClient::onDisconnected);
+    connect(m_socket, &QTcpSocket::readyRead, this, &TcpClient::onReadyRead);
+    connect(m_socket, &QTcpSocket::errorOccurred, this, &TcpClient::onError);
+}
+
+TcpClient::~TcpClient()
+{
+    disconnectFromServer();
+}
+
+bool TcpClient::isConnected() const
+{
+    return m_connected;
+}
+
+QAbstractSocket::SocketState TcpClient::socketState() const
+{
+    return m_socket->state();
+}
+
+QString TcpClient::udpToken() const
+{
+    return m_udpToken;
+}
+
+int TcpClient::userId() const
+{
+    return m_userId;
+}
+
+bool TcpClient::isAdmin() const
+{
+    return m_isAdmin;
+}
+
+void TcpClient::connectToServer(const QString &host, quint16 port)
+{
+    qDebug().noquote() << "[TCP] Connecting to" << host << port;
+    if (m_socket->state() != QAbstractSocket::UnconnectedState)
+        m_socket->abort();
+    m_socket->connectToHost(host, port);
+}
+
+void TcpClient::disconnectFromServer()
+{
+    if (m_connected) {
+        sendCommand(QStringLiteral("QUIT"));
+        m_socket->flush();
+    }
+    m_heartbeat->stop();
+    m_socket->close();
+}
+
+void TcpClient::disconnectFrom(int connection)
+{
+    if (connection == m_connection)
+        disconnectFromServer();
+}
+
+void TcpClient::abortConnection()
+{
+    m_socket->abort();
+}
+
+void TcpClient::sendCommand(const QString &line)
+{
+    if (!m_connected)
+        return;
+    m_socket->write(line.toUtf8() + "\r\n");
+}
+
+void TcpClient::login(const QString &callsign, const QString &password, const QString &hwid)
+{
+    QString line = QStringLiteral("LOGIN ") + callsign + QLatin1Char(' ') + password;
+    if (!hwid.isEmpty())
+        line += QLatin1Char(' ') + hwid;
+    sendCommand(line);
+}
+
+void TcpClient::joinRoom(const QString &room)
+{
+    sendCommand(QStringLiteral("JOIN ") + room);
+}
+
+void TcpClient::stopTransmit(const QString &room)
+{
+    sendCommand(QStringLiteral("TX_STOP \"%1\"").arg(room));
+}
+
+void TcpClient::approveUser(int userId)
+{
+    sendCommand(QStringLiteral("ADMIN_APPROVE_USER %1").arg(userId));
+}
+
+void TcpClient::unapproveUser(int userId)
+{
+    sendCommand(QStringLiteral("ADMIN_UNAPPROVE_USER %1").arg(userId));
+}
+
+void TcpClient::muteUser(int userId, int muted)
+{
+    sendCommand(QStringLiteral("ADMIN_MUTE %1 %2").arg(userId).arg(muted));
+}
+
+void TcpClient::sendAudio(const QByteArray &frame)
+{
+    Q_UNUSED(frame)
+    qDebug() << "[TCP] sendAudio called but TCP audio not supported - drop frame";
+}
+
+void TcpClient::discardPendingAudio()
+{
+    m_buffer.discardPartialAudio();
+}
+
+void TcpClient::onConnected()
+{
+    if (m_connected || m_socket->state() != QAbstractSocket::ConnectedState)
+        return; // lost again before the event loop came round
+    ++m_connection;
+    m_connected = true;
+    m_heartbeat->start();
+    qDebug() << "[TCP] Connected!";
+    emit connected();
+}
+
+void TcpClient::onDisconnected()
+{
+    m_heartbeat->stop();
+    m_connected = false;
+    ++m_connection;
+    qDebug() << "[TCP] Disconnected!";
+    emit disconnected();
+}
+
+void TcpClient::onError(QAbstractSocket::SocketError error)
+{
+    Q_UNUSED(error)
+    const QString text = m_socket->errorString();
+    qDebug().noquote() << "[TCP] Error:" << text;
+    emit errorOccurred(text);
+}
+
+void TcpClient::onHeartbeat()
+{
+    if (!m_connected)
+        return;
+    m_pingSentAt = QDateTime::currentMSecsSinceEpoch();
+    sendCommand(QStringLiteral("PING"));
+}
+
+void TcpClient::onReadyRead()
+{
+    m_buffer.append(m_socket->readAll());
+    scheduleDrain();
+}
+
+void TcpClient::scheduleDrain()
+{
+    if (m_drainScheduled)
+        return;
+    m_drainScheduled = true;
+    QMetaObject::invokeMethod(this, &TcpClient::drain, Qt::QueuedConnection);
+}
+
+/// Dispatches everything that is whole. A receiver may block in an event loop of its own: the drain that is scheduled
+/// first then goes on under it with the lines that are left, and this one finds nothing more when it gets back.
+void TcpClient::drain()
+{
+    m_drainScheduled = false;
+    const QPointer<TcpClient> self(this);
+    while (auto message = m_buffer.next()) {
+        if (!m_buffer.isEmpty())
+            scheduleDrain();
+        if (message->kind == MessageBuffer::Message::Kind::Audio)
+            emit audioReceived(message->bytes, message->userId);
+        else
+            dispatchLine(QString::fromUtf8(message->bytes));
+        if (!self)
+            return;
+    }
+    if (m_buffer.isOverflowing())
+        endOverlongConnection();
+}
+
+void TcpClient::endOverlongConnection()
+{
+    m_buffer = {};
+    const QString text = QStringLiteral("Server message too long");
+    qDebug().noquote() << "[TCP] Error:" << text;
+    m_socket->abort();
+    emit errorOccurred(text);
+}
+
+void TcpClient::dispatchLine(const QString &line)
+{
+    if (!m_pendingLine.isEmpty())
+        dispatch(std::exchange(m_pendingLine, QString()) + QLatin1Char('|') + line);
+    else if (announcesPayload(line))
+        m_pendingLine = line;
+    else
+        dispatch(line);
+}
+
+void TcpClient::dispatch(const QString &line)
+{
+    if (line == QLatin1String("PONG")) {
+        handlePong();
+        return;
+    }
+    if (line.startsWith(QLatin1String("ROIP SERVER READY"))) {
+        qDebug() << "[TCP] Server ready";
+        return;
+    }
+    const ServerMessage message(line);
+    if (const Handler handler = handlers().value(message.word()))
+        (this->*handler)(message);
+    else
+        qDebug().noquote() << "[TCP] Unknown command:" << message.word();
+}
+
+void TcpClient::handlePong()
+{
+    if (m_pingSentAt == 0)
+        return;
+    const auto latency = static_cast<float>(QDateTime::currentMSecsSinceEpoch() - m_pingSentAt);
+    m_pingSentAt = 0;
+    emit pingUpdated(latency);
+}
