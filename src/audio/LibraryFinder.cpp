@@ -1,0 +1,34 @@
+#include "audio/LibraryFinder.h"
+
+#include <QFileInfo>
+
+namespace {
+
+#ifdef Q_OS_WIN
+constexpr QLatin1String kSuffix{".dll"};
+#else
+constexpr QLatin1String kSuffix{".so"};
+#endif
+
+} // namespace
+
+QStringList LibraryFinder::searchFolders(const QString &applicationFolder, const QString &currentFolder,
+                                         const QString &buildFolder)
+{
+    return {applicationFolder, applicationFolder + QStringLiteral("/libs"), currentFolder, buildFolder};
+}
+
+QString LibraryFinder::fileName(const QString &baseName)
+{
+    return baseName + kSuffix;
+}
+
+QString LibraryFinder::find(const QStringList &folders, const QString &fileName)
+{
+    for (const QString &folder : folders) {
+        const QString path = folder + QLatin1Char('/') + fileName;
+        if (QFileInfo(path).isFile())
+            return path;
+    }
+    return {};
+}
