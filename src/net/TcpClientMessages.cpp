@@ -77,6 +77,8 @@ void TcpClient::handleLoginOk(const ServerMessage &message)
     const QPointer<TcpClient> self(this);
     if (!sessionKey.isEmpty())
         emit sessionKeyReceived(sessionKey);
+    if (!self)
+        return;
     qDebug() << "[TCP] Login successful, user_id:" << m_userId << "is_admin:" << m_isAdmin;
     if (!warning.isEmpty()) {
         qWarning().noquote() << "[TCP] License warning:" << warning;

@@ -39,7 +39,7 @@ int s_datagramsSent = 0;
 
 UdpAudio::UdpAudio(QObject *parent)
     : QObject(parent)
-    , m_socket(std::make_unique<QUdpSocket>())
+    , m_socket(new QUdpSocket(this))
     , m_handshakeTimer(new QTimer(this))
     , m_healthTimer(new QTimer(this))
     , m_reinitializeTimer(new QTimer(this))
@@ -52,7 +52,7 @@ UdpAudio::UdpAudio(QObject *parent)
     m_reinitializeTimer->setSingleShot(true);
     m_reinitializeTimer->setInterval(kReinitializeDelay);
     m_healthTimer->setObjectName(QStringLiteral("healthTimer"));
-    connect(m_socket.get(), &QUdpSocket::readyRead, this, &UdpAudio::onReadyRead);
+    connect(m_socket, &QUdpSocket::readyRead, this, &UdpAudio::onReadyRead);
     connect(m_handshakeTimer, &QTimer::timeout, this, &UdpAudio::onHandshakeTimeout);
     connect(m_reinitializeTimer, &QTimer::timeout, this, &UdpAudio::reinitialize);
     connect(m_healthTimer, &QTimer::timeout, this, &UdpAudio::checkHealth);
@@ -149,10 +149,10 @@ bool UdpAudio::openSocket()
     if (m_socket) {
         m_socket->disconnect(this);
         m_socket->close();
-        m_socket.release()->deleteLater();
+        m_socket->deleteLater();
     }
-    m_socket = std::make_unique<QUdpSocket>();
-    connect(m_socket.get(), &QUdpSocket::readyRead, this, &UdpAudio::onReadyRead);
+    m_socket = new QUdpSocket(this);
+    connect(m_socket, &QUdpSocket::readyRead, this, &UdpAudio::onReadyRead);
     if (!m_socket->bind(0)) {
         qDebug().noquote() << "[UDP] Failed to bind UDP socket:" << m_socket->errorString();
         return false;

@@ -4,7 +4,6 @@
 #include <QObject>
 
 #include <functional>
-#include <memory>
 
 class QTimer;
 class QUdpSocket;
@@ -63,7 +62,7 @@ private:
     void reinitialize();
     qint64 send(const QByteArray &datagram);
 
-    std::unique_ptr<QUdpSocket> m_socket; ///< a fresh one for every enableUdp()
+    QUdpSocket *m_socket = nullptr; ///< a fresh one for every enableUdp()
     QHostAddress m_serverAddress;
     quint16 m_serverPort = 0;
     int m_userId = 0;

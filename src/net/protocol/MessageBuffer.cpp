@@ -89,8 +89,10 @@ std::optional<MessageBuffer::Message> MessageBuffer::next()
             m_overflow = available > kLimit;
             return std::nullopt;
         }
-        const QByteArray line = QByteArray::fromRawData(m_bytes.constData() + m_begin, end - m_begin).trimmed();
-        Message message{Message::Kind::Line, QByteArray(line.constData(), line.size()), 0};
+        // Named, so that the trimming copies: a temporary would be trimmed in place, in this buffer.
+        const QByteArray raw = QByteArray::fromRawData(m_bytes.constData() + m_begin, end - m_begin);
+        Message message{Message::Kind::Line, raw.trimmed(), 0};
+        message.bytes.detach(); // where nothing was trimmed it still points into this buffer
         consume(end + 1);
         if (!message.bytes.isEmpty())
             return message;
