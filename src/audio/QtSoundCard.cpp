@@ -4,6 +4,7 @@
 #include <QAudioFormat>
 #include <QAudioInput>
 #include <QAudioOutput>
+#include <QCoreApplication>
 #include <QDebug>
 #include <QIODevice>
 #include <QPointer>
@@ -15,16 +16,23 @@ namespace {
 constexpr int kSampleSize = 16;          // bits
 constexpr int kOutputBufferSize = 16384; // bytes
 
-// A QAudioInput or QAudioOutput that is running.
+// A QAudioInput or QAudioOutput that is running. It ends at once and is deleted from the event loop: on PulseAudio its
+// destructor handles waiting events, and whoever closes a stream does not expect to be called meanwhile.
 template<typename Audio> class QtSoundStream final : public SoundStream
 {
 public:
+    // The application owns what is still waiting for its deletion at the end.
     explicit QtSoundStream(std::unique_ptr<Audio> audio)
-        : m_audio(std::move(audio))
+        : m_audio(audio.release())
         , m_device(m_audio->start())
     {
+        m_audio->setParent(QCoreApplication::instance());
     }
-    ~QtSoundStream() override { m_audio->stop(); }
+    ~QtSoundStream() override
+    {
+        m_audio->stop();
+        m_audio->deleteLater();
+    }
 
     [[nodiscard]] QIODevice *device() const override
     {
@@ -33,7 +41,7 @@ public:
     }
 
 private:
-    std::unique_ptr<Audio> m_audio;
+    Audio *m_audio;
     QPointer<QIODevice> m_device; // deleted by Qt when the sound server goes away
 };
 
