@@ -7,6 +7,7 @@
 #include <QPalette>
 #include <QPixmapCache>
 #include <QRegularExpression>
+#include <QWidget>
 
 // The resources live in a static library, which a linker only keeps when they are asked for, from outside a namespace.
 static void registerResources()
@@ -137,6 +138,13 @@ void Theme::apply(QApplication &app, bool dark)
     QFile file(QStringLiteral(":/styles/application.qss"));
     if (file.open(QIODevice::ReadOnly))
         app.setStyleSheet(filled(QString::fromUtf8(file.readAll()), dark));
+}
+
+void Theme::restyle(QWidget &widget, const QString &styleSheet)
+{
+    widget.ensurePolished();
+    if (widget.styleSheet() != styleSheet)
+        widget.setStyleSheet(styleSheet);
 }
 
 QPixmap Theme::icon(const QString &path, int side, qreal ratio)

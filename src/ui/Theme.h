@@ -5,6 +5,7 @@
 #include <QString>
 
 class QApplication;
+class QWidget;
 
 /// Both colour palettes by role, and what is drawn from them. Widgets ask for a role, never for a colour of their own;
 /// only texts whose colour carries a fixed meaning name it themselves. GUI thread only.
@@ -53,6 +54,10 @@ void initResources();
 
 /// Gives the whole program its style, palette and style sheet.
 void apply(QApplication &app, bool dark);
+
+/// Gives a widget another style sheet. A plain setStyleSheet() on a widget that was styled but not shown yet keeps the
+/// rules of its former one; and setting the same again would only cost the parsing.
+void restyle(QWidget &widget, const QString &styleSheet);
 
 /// An icon drawn at @p side logical pixels for a screen of @p ratio device pixels each; null when there is none of
 /// that path. Kept in the pixmap cache.

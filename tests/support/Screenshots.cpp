@@ -14,9 +14,14 @@ QString Screenshots::folder()
 
 QImage Screenshots::save(QWidget &widget, const QString &name)
 {
-    widget.ensurePolished();
+    // Widgets that are not shown are laid out by halves only.
+    const bool wasVisible = widget.isVisible();
+    widget.setAttribute(Qt::WA_DontShowOnScreen, !wasVisible);
+    widget.show();
     QCoreApplication::sendPostedEvents(); // delayed layouts
     const QImage image = widget.grab().toImage();
+    widget.setVisible(wasVisible);
+    widget.setAttribute(Qt::WA_DontShowOnScreen, false);
     const QDir target(folder());
     if (!target.mkpath(QStringLiteral(".")) || !image.save(target.filePath(name + QLatin1String(".png"))))
         return {};

@@ -364,6 +364,7 @@ void ThemeTest::gallery_data()
 void ThemeTest::gallery()
 {
     QFETCH(bool, dark);
+    QApplication::setFont(QFont(QApplication::font().family(), 9)); // a desktop\'s; this platform\'s own is a large one
     Theme::apply(*qApp, dark);
     QMainWindow window;
     window.menuBar()->addMenu(QStringLiteral("&File"))->addAction(QStringLiteral("Settings"));

@@ -150,10 +150,10 @@ void RoomPanel::setCurrentRoom(const QString &room)
     const bool joined = !room.isEmpty();
     m_status->setText(joined ? QStringLiteral("Currently joining the room : ") + room
                              : QStringLiteral("Belum bergabung di room"));
-    m_status->setStyleSheet(joined ? QStringLiteral("background-color: #012B61; color: #FFFFFF; font-size: 14px; "
-                                                    "font-weight: bold; padding: 4px; border-radius: 4px;")
-                                   : QStringLiteral("background-color: #F44336; color: #FFFFFF; font-size: 13px; "
-                                                    "font-weight: bold; padding: 4px; border-radius: 4px;"));
+    Theme::restyle(*m_status, joined ? QStringLiteral("background-color: #012B61; color: #FFFFFF; font-size: 14px; "
+                                                      "font-weight: bold; padding: 4px; border-radius: 4px;")
+                                     : QStringLiteral("background-color: #F44336; color: #FFFFFF; font-size: 13px; "
+                                                      "font-weight: bold; padding: 4px; border-radius: 4px;"));
     m_joinButton->setEnabled(!joined && hasRooms());
     m_leaveButton->setEnabled(joined);
 }
@@ -216,22 +216,25 @@ void RoomPanel::applyTheme(bool dark)
 {
     const QString bar = QStringLiteral("background-color: @title; color: @titleText; font-weight: bold; "
                                        "padding: 6px; border-radius: 4px;");
-    m_title->setStyleSheet(Theme::filled(bar, dark));
-    m_header->setStyleSheet(Theme::filled(bar, dark));
-    m_selector->setStyleSheet(
-        Theme::filled(QStringLiteral("QComboBox { background-color: @field; color: @text; }"), dark));
-    m_joinButton->setStyleSheet(Theme::filled(buttonStyle("@good"), dark));
-    m_leaveButton->setStyleSheet(Theme::filled(buttonStyle("@danger"), dark));
-    // A row's labels do not know whether the item under them is selected, so their colour suits both grounds. A
-    // transmitting row is pale in both themes and needs dark text in both; the margin lets the item's own ground and
-    // the selection be seen round it.
-    m_list->setStyleSheet(Theme::filled(
-        QStringLiteral("QListWidget { background-color: @field; alternate-background-color: @alternate; } "
-                       "QListWidget::item:selected { background-color: @selection; } "
-                       "UserWidget { margin: 2px; border-radius: 3px; } "
-                       "UserWidget QLabel { color: @selectionText; } "
-                       "UserWidget[transmitting=\"true\"] QLabel { color: #212121; }"),
-        dark));
+    Theme::restyle(*m_title, Theme::filled(bar, dark));
+    Theme::restyle(*m_header, Theme::filled(bar, dark));
+    Theme::restyle(*m_selector,
+                   Theme::filled(QStringLiteral("QComboBox { background-color: @field; color: @text; }"), dark));
+    Theme::restyle(*m_joinButton, Theme::filled(buttonStyle("@good"), dark));
+    Theme::restyle(*m_leaveButton, Theme::filled(buttonStyle("@danger"), dark));
+    // A row's labels do not know whether the item under them is selected, so the text's colour suits both grounds and
+    // the icons bring their own. A transmitting row is pale in both themes and needs dark text in both; the margin lets
+    // the item's own ground and the selection be seen round it.
+    Theme::restyle(
+        *m_list,
+        Theme::filled(
+            QStringLiteral("QListWidget { background-color: @field; alternate-background-color: @alternate; } "
+                           "QListWidget::item:selected { background-color: @selection; } "
+                           "UserWidget { margin: 2px; border-radius: 3px; } "
+                           "UserWidget QLabel { color: @selectionText; background-color: @field; border-radius: 4px; } "
+                           "UserWidget ElidedLabel { background-color: transparent; } "
+                           "UserWidget[transmitting=\"true\"] QLabel { color: #212121; }"),
+            dark));
 }
 
 void RoomPanel::onJoinClicked()

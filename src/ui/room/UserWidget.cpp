@@ -129,9 +129,7 @@ void UserWidget::refresh()
     showFlag(m_transmitIcon, m_flags.transmitting, kTransmit, kStatePixmapSide);
     showFlag(m_micIcon, m_flags.micMuted, kMicrophone, kMutePixmapSide);
     showFlag(m_speakerIcon, m_flags.speakerMuted, kSpeaker, kMutePixmapSide);
-    const QString ground = m_flags.transmitting ? QStringLiteral("background-color: #FFEBEE;") : QString();
-    if (styleSheet() != ground) // a style sheet set again is parsed again
-        setStyleSheet(ground);
+    Theme::restyle(*this, m_flags.transmitting ? QStringLiteral("background-color: #FFEBEE;") : QString());
 }
 
 bool UserWidget::event(QEvent *event)

@@ -154,12 +154,12 @@ void ControlPanel::addState(QVBoxLayout *layout)
     m_transmitIndicator = new QLabel(QStringLiteral("-- Waiting for COS Signal --"), this);
     m_transmitIndicator->setObjectName(QStringLiteral("transmitIndicator"));
     m_transmitIndicator->setAlignment(Qt::AlignCenter);
-    m_transmitIndicator->setStyleSheet(receiveStyle());
+    Theme::restyle(*m_transmitIndicator, receiveStyle());
     layout->addWidget(m_transmitIndicator);
     m_readiness = new QLabel(QStringLiteral("Gateway -- Not Ready"), this);
     m_readiness->setObjectName(QStringLiteral("readiness"));
     m_readiness->setAlignment(Qt::AlignCenter);
-    m_readiness->setStyleSheet(readinessStyle(false));
+    Theme::restyle(*m_readiness, readinessStyle(false));
     layout->addWidget(m_readiness);
 }
 
@@ -268,7 +268,7 @@ void ControlPanel::setOutputLevel(int level)
 void ControlPanel::setTransmitIndicator(bool transmitting)
 {
     m_transmitIndicator->setText(transmitting ? QStringLiteral("TX") : QStringLiteral("RX"));
-    m_transmitIndicator->setStyleSheet(transmitting ? transmitStyle() : receiveStyle());
+    Theme::restyle(*m_transmitIndicator, transmitting ? transmitStyle() : receiveStyle());
 }
 
 void ControlPanel::updateReadiness()
@@ -277,27 +277,29 @@ void ControlPanel::updateReadiness()
     m_readiness->setText(
         ready ? QStringLiteral("Gateway -- READY")
               : QStringLiteral("Gateway -- Not Ready (%1)").arg(notReadyReason(m_serialReady, m_inRoom)));
-    m_readiness->setStyleSheet(readinessStyle(ready));
+    Theme::restyle(*m_readiness, readinessStyle(ready));
 }
 
 void ControlPanel::applyTheme(bool dark)
 {
     // Figures whose colours mean something stand on a dark ground in both themes, where all of those colours can be
     // read.
-    setStyleSheet(Theme::filled(
-        QStringLiteral("QLabel#brand { color: @brand; font-size: 18px; font-weight: bold; } "
-                       "QLabel#serverHeader { background-color: @server; } "
-                       "QLabel#gatewayHeader { background-color: @gateway; } "
-                       "QLabel#audioHeader { background-color: @audio; } "
-                       "QLabel#serverHeader, QLabel#gatewayHeader, QLabel#audioHeader { color: @headerText; "
-                       "font-weight: bold; padding: 4px 8px; border-radius: 4px; } "
-                       "QLabel#serverInfo, QLabel#gatewayInfo { background-color: @readout; color: @readoutText; "
-                       "font-family: Consolas, \"Courier New\", monospace; font-size: 11px; padding: 4px 8px; } "
-                       "QLabel#pingLabel { background-color: @instrument; color: #E0E0E0; font-weight: bold; "
-                       "font-family: Consolas, \"Courier New\", monospace; font-size: 11px; padding: 3px 8px; "
-                       "border-radius: 4px; } "
-                       "QLabel#readiness { background-color: @instrument; padding: 6px; border-radius: 4px; }"),
-        dark));
+    Theme::restyle(
+        *this,
+        Theme::filled(
+            QStringLiteral("QLabel#brand { color: @brand; font-size: 18px; font-weight: bold; } "
+                           "QLabel#serverHeader { background-color: @server; } "
+                           "QLabel#gatewayHeader { background-color: @gateway; } "
+                           "QLabel#audioHeader { background-color: @audio; } "
+                           "QLabel#serverHeader, QLabel#gatewayHeader, QLabel#audioHeader { color: @headerText; "
+                           "font-weight: bold; padding: 4px 8px; border-radius: 4px; } "
+                           "QLabel#serverInfo, QLabel#gatewayInfo { background-color: @readout; color: @readoutText; "
+                           "font-family: Consolas, \"Courier New\", monospace; font-size: 11px; padding: 4px 8px; } "
+                           "QLabel#pingLabel { background-color: @instrument; color: #E0E0E0; font-weight: bold; "
+                           "font-family: Consolas, \"Courier New\", monospace; font-size: 11px; padding: 3px 8px; "
+                           "border-radius: 4px; } "
+                           "QLabel#readiness { background-color: @instrument; padding: 6px; border-radius: 4px; }"),
+            dark));
     m_input->applyTheme(dark);
     m_output->applyTheme(dark);
 }

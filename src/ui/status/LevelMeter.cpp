@@ -109,18 +109,18 @@ void LevelMeter::display(int level)
         color = kOverColor;
     else if (level >= kHighLevel)
         color = kHighColor;
-    const QString style = QStringLiteral("color: %1; font-size: 10px; font-weight: bold;").arg(color);
-    if (m_percent->styleSheet() != style) // fifty levels arrive in a second
-        m_percent->setStyleSheet(style);
+    Theme::restyle(*m_percent, QStringLiteral("color: %1; font-size: 10px; font-weight: bold;").arg(color));
 }
 
 void LevelMeter::applyTheme(bool dark)
 {
-    setStyleSheet(Theme::filled(
-        QStringLiteral("QLabel { color: @text; } "
-                       "QLabel#caption { font-size: 10px; font-weight: bold; } "
-                       "QLabel#percent { background-color: @instrument; border-radius: 3px; padding: 1px 6px; "
-                       "min-width: 34px; } "
-                       "QLabel#scaleMark { font-size: 8px; color: @dim; }"),
-        dark));
+    Theme::restyle(
+        *this,
+        Theme::filled(
+            QStringLiteral("QLabel { color: @text; } "
+                           "QLabel#caption { font-size: 10px; font-weight: bold; } "
+                           "QLabel#percent { background-color: @instrument; border-radius: 3px; padding: 1px 6px; "
+                           "min-width: 34px; } "
+                           "QLabel#scaleMark { font-size: 8px; color: @dim; }"),
+            dark));
 }
