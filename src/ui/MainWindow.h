@@ -99,9 +99,9 @@ private:
     void onCosChanged(bool active);
     void startTransmission();
     void stopTransmission();
-    void onAudioEncoded(const QByteArray &data);
-    void onUdpAudioReceived(const QByteArray &data);
-    void onTcpAudioReceived(const QByteArray &data, uint userId);
+    void onAudioEncoded(const QByteArray &payload);
+    void onUdpAudioReceived(const QByteArray &payload);
+    void onTcpAudioReceived(const QByteArray &payload, uint userId);
     void onRoomUsersReceived(const QList<QVariantMap> &users);
     void applyKeying(bool remoteTalks);
     void onMicMuteToggled(bool muted);

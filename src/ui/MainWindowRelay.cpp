@@ -99,35 +99,35 @@ void MainWindow::stopTransmission()
     m_transmitting = false;
 }
 
-void MainWindow::onAudioEncoded(const QByteArray &data)
+void MainWindow::onAudioEncoded(const QByteArray &payload)
 {
     ++s_encodedFrames; // also the frames that are dropped below
     if (!m_transmitting)
         return;
     if (s_encodedFrames <= kLoggedSentFrames)
-        logSentFrame(data);
+        logSentFrame(payload);
     if (m_udp->isReady())
-        m_udp->sendAudio(data);
+        m_udp->sendAudio(payload);
     else
         qWarning() << "[TCP] sendAudio called but TCP audio not supported - drop frame";
 }
 
-void MainWindow::onUdpAudioReceived(const QByteArray &data)
+void MainWindow::onUdpAudioReceived(const QByteArray &payload)
 {
     if (s_udpFrames < kLoggedUdpFrames) {
         ++s_udpFrames;
-        qDebug() << "[RX] UDP audio received, size:" << data.size();
+        qDebug() << "[RX] UDP audio received, size:" << payload.size();
     }
-    m_engine->onAudioReceived(data);
+    m_engine->onAudioReceived(payload);
 }
 
-void MainWindow::onTcpAudioReceived(const QByteArray &data, uint userId)
+void MainWindow::onTcpAudioReceived(const QByteArray &payload, uint userId)
 {
     if (s_tcpFrames < kLoggedTcpFrames) {
         ++s_tcpFrames;
-        logTcpFrame(data, userId, *m_engine);
+        logTcpFrame(payload, userId, *m_engine);
     }
-    m_engine->onAudioReceived(data);
+    m_engine->onAudioReceived(payload);
 }
 
 void MainWindow::onRoomUsersReceived(const QList<QVariantMap> &users)

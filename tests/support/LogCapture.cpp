@@ -12,9 +12,10 @@ LogCapture *s_capture = nullptr;
 const QStringList &platformNoise()
 {
     static const QStringList beginnings{
-        QStringLiteral("QStandardPaths: "), QStringLiteral("This plugin does not support"),
-        QStringLiteral("PulseAudioService: "), QStringLiteral("defaultServiceProvider::"),
-        QStringLiteral("propagateSizeHints")};
+        QStringLiteral("QStandardPaths: "),       QStringLiteral("This plugin does not support"),
+        QStringLiteral("PulseAudioService: "),    QStringLiteral("defaultServiceProvider::"),
+        QStringLiteral("propagateSizeHints"),     QStringLiteral("using null output device"),
+        QStringLiteral("using null input device")};
     return beginnings;
 }
 

@@ -12,22 +12,22 @@ ScriptedPrompts::~ScriptedPrompts()
 
 void ScriptedPrompts::accept(std::function<void()> whileOpen)
 {
-    m_answers.append({{true, {}, 0}, std::move(whileOpen)});
+    m_answers.append(Answer{{true, {}, 0}, std::move(whileOpen)});
 }
 
 void ScriptedPrompts::cancel(std::function<void()> whileOpen)
 {
-    m_answers.append({{false, {}, 0}, std::move(whileOpen)});
+    m_answers.append(Answer{{false, {}, 0}, std::move(whileOpen)});
 }
 
 void ScriptedPrompts::enter(const QString &text, std::function<void()> whileOpen)
 {
-    m_answers.append({{true, text, 0}, std::move(whileOpen)});
+    m_answers.append(Answer{{true, text, 0}, std::move(whileOpen)});
 }
 
 void ScriptedPrompts::enterNumber(int number)
 {
-    m_answers.append({{true, {}, number}, {}});
+    m_answers.append(Answer{{true, {}, number}, {}});
 }
 
 PromptReply ScriptedPrompts::show(const Prompt &prompt)

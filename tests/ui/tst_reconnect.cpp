@@ -102,6 +102,7 @@ void ReconnectTest::connectedStopsTheTimer()
 {
     WindowRig rig;
     QVERIFY(rig.openAndLogIn());
+    rig.timer("reconnectTimer")->setInterval(500); // long enough to be seen running
     rig.server.drop();
     QTRY_VERIFY(rig.timer("reconnectTimer")->isActive());
     QVERIFY(rig.server.waitForLine(QStringLiteral("LOGIN "), 2));

@@ -135,7 +135,7 @@ void ToolsTest::everyActionIsReachableByKeyboard()
             keys.append(item->text().mid(mark + 1, 1).toLower());
         }
         if (menu->text() != QLatin1String("&Room")) // its two M items are told apart by pressing the key again
-            QCOMPARE(keys.toSet().size(), keys.size());
+            QVERIFY2(keys.removeDuplicates() == 0, qPrintable(menu->text()));
         texts.append(menu->text());
     }
     QCOMPARE(texts, QStringList({QStringLiteral("&File"), QStringLiteral("&View"), QStringLiteral("&Room")}));
