@@ -17,6 +17,8 @@
 #include <QDebug>
 #include <QIcon>
 #include <QLabel>
+#include <QScreen>
+#include <QScrollArea>
 #include <QSplitter>
 #include <QStatusBar>
 
@@ -30,6 +32,8 @@ constexpr milliseconds kAutoConnectDelay{500};
 constexpr milliseconds kReconnectArmDelay{3000};
 constexpr milliseconds kReconnectInterval{10000};
 constexpr milliseconds kUdpRetryDelay{10000};
+
+constexpr int kColumnCharacters = 44; // the longest line of the status column and its margins
 
 // The engine fixes its start-up values itself; these are what it uses.
 constexpr int kSampleRate = 48000;
@@ -86,13 +90,23 @@ void MainWindow::createPanels()
 {
     m_roomPanel = new RoomPanel(this);
     m_controlPanel = new ControlPanel(this);
+    // On a low screen the column scrolls; it is as wide as its longest line either way.
+    auto *column = new QScrollArea(this);
+    column->setWidget(m_controlPanel);
+    column->setWidgetResizable(true);
+    column->setFrameShape(QFrame::NoFrame);
+    column->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    const int columnWidth = fontMetrics().averageCharWidth() * kColumnCharacters;
+    column->setMinimumWidth(columnWidth);
     auto *splitter = new QSplitter(Qt::Horizontal, this);
     splitter->addWidget(m_roomPanel);
-    splitter->addWidget(m_controlPanel);
-    splitter->setStretchFactor(0, 3);
-    splitter->setStretchFactor(1, 2);
+    splitter->addWidget(column);
+    splitter->setStretchFactor(0, 1);
+    splitter->setStretchFactor(1, 0);
     splitter->setChildrenCollapsible(false);
     setCentralWidget(splitter);
+    resize(QSize(columnWidth * 5 / 2, columnWidth * 12 / 5).boundedTo(screen()->availableSize()));
+    splitter->setSizes({columnWidth * 3 / 2, columnWidth});
 }
 
 void MainWindow::createStatusBar()
