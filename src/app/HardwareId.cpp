@@ -31,7 +31,7 @@ QString processorId()
     QProcess wmic;
     wmic.start(QStringLiteral("wmic"), {QStringLiteral("cpu"), QStringLiteral("get"), QStringLiteral("ProcessorId")});
     if (wmic.waitForFinished(static_cast<int>(kWmicTimeout.count()))) {
-        const QString id = HardwareId::processorIdFromWmic(wmic.readAllStandardOutput());
+        QString id = HardwareId::processorIdFromWmic(wmic.readAllStandardOutput());
         if (!id.isEmpty())
             return id;
     } else {
@@ -49,7 +49,7 @@ QString HardwareId::processorIdFromWmic(const QByteArray &output)
     int line = 0;
     const auto lines = codec->toUnicode(output).split(QLatin1Char('\n'));
     for (const QString &text : lines) {
-        const QString trimmed = text.trimmed();
+        QString trimmed = text.trimmed();
         if (!trimmed.isEmpty() && ++line == 2)
             return trimmed;
     }
