@@ -101,6 +101,7 @@ bool PulseDaemon::start()
 
 void PulseDaemon::Ender::operator()(QProcess *process) const
 {
+    process->blockSignals(true); // its last words find nobody any more
     process->kill();
     process->waitForFinished();
     delete process;
