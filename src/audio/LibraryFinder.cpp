@@ -26,7 +26,7 @@ QString LibraryFinder::fileName(const QString &baseName)
 QString LibraryFinder::find(const QStringList &folders, const QString &fileName)
 {
     for (const QString &folder : folders) {
-        const QString path = folder + QLatin1Char('/') + fileName;
+        QString path = folder + QLatin1Char('/') + fileName;
         if (QFileInfo(path).isFile())
             return path;
     }

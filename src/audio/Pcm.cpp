@@ -53,8 +53,10 @@ int Pcm::level(const qint16 *samples, int count)
     if (count < 1)
         return 0;
     qint64 sum = 0;
-    for (int i = 0; i < count; ++i)
-        sum += qint32(samples[i]) * qint32(samples[i]);
+    for (int i = 0; i < count; ++i) {
+        const qint32 square = samples[i] * samples[i];
+        sum += square;
+    }
     const double rms = std::sqrt(static_cast<double>(sum) / count);
     if (rms < kQuietestRms)
         return 0;
