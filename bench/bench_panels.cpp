@@ -9,7 +9,7 @@
 namespace {
 
 constexpr int kStations = 500;
-constexpr int kTalker = 3; // in sight, so that it is painted
+constexpr int kTalker = 3;      // in sight, so that it is painted
 constexpr double kFrameMs = 16; // of 60 Hz
 constexpr double kMillisecondsPerSecond = 1000;
 
