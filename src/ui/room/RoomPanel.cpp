@@ -1,6 +1,7 @@
 #include "ui/room/RoomPanel.h"
 
 #include "ui/Theme.h"
+#include "ui/room/StationList.h"
 #include "ui/room/UserMenu.h"
 #include "ui/room/UserWidget.h"
 
@@ -12,6 +13,8 @@
 #include <QPointer>
 #include <QPushButton>
 #include <QVBoxLayout>
+
+#include <algorithm>
 
 namespace {
 

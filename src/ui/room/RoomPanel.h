@@ -1,7 +1,5 @@
 #pragma once
 
-#include "ui/room/StationList.h"
-
 #include <QList>
 #include <QMap>
 #include <QStringList>
@@ -13,6 +11,7 @@ class QHBoxLayout;
 class QLabel;
 class QListWidgetItem;
 class QPushButton;
+class StationList;
 class UserWidget;
 
 /// The room selector and the stations of the room. Owns no network state: the main window pushes into it.
