@@ -217,14 +217,22 @@ void StationListTest::itemState_data()
     QTest::addColumn<bool>("approved");
     QTest::addColumn<QColor>("ground");
     QTest::addColumn<QString>("text");
+    QTest::addColumn<bool>("listedBefore");
     const QColor none(Qt::transparent);
     const QColor red(QStringLiteral("#F44336"));
-    QTest::newRow("approved") << false << false << true << none << QStringLiteral("#212121");
-    QTest::newRow("not approved") << false << false << false << none << QStringLiteral("#888888");
-    QTest::newRow("approved, muted") << false << true << true << none << QStringLiteral("#212121");
-    QTest::newRow("transmitting") << true << false << true << red << QStringLiteral("#ffffff");
-    QTest::newRow("transmitting, not approved") << true << false << false << red << QStringLiteral("#ffffff");
-    QTest::newRow("transmitting, muted") << true << true << true << red << QStringLiteral("#ffffff");
+    for (const bool listed : {false, true}) {
+        const auto row = [listed](const char *name, bool transmitting, bool muted, bool approved, const QColor &ground,
+                                  const char *text) {
+            QTest::addRow("%s, %s", name, listed ? "changed" : "new row")
+                << transmitting << muted << approved << ground << QString::fromLatin1(text) << listed;
+        };
+        row("approved", false, false, true, none, "#212121");
+        row("not approved", false, false, false, none, "#888888");
+        row("approved, muted", false, true, true, none, "#212121");
+        row("transmitting", true, false, true, red, "#ffffff");
+        row("transmitting, not approved", true, false, false, red, "#ffffff");
+        row("transmitting, muted", true, true, true, red, "#ffffff");
+    }
 }
 
 void StationListTest::itemState()
@@ -234,10 +242,12 @@ void StationListTest::itemState()
     QFETCH(bool, approved);
     QFETCH(QColor, ground);
     QFETCH(QString, text);
+    QFETCH(bool, listedBefore);
     const QString callsign = QStringLiteral("YB0ABC");
     RoomPanel panel;
-    panel.setUsers({user(1, callsign, {}, !transmitting, !approved, !muted)}, {});
-    panel.updateUserState(callsign, transmitting, muted, approved);
+    if (listedBefore)
+        panel.setUsers({user(1, callsign, {}, !transmitting, !approved, !muted)}, {});
+    panel.setUsers({user(1, callsign, {}, transmitting, approved, muted)}, {});
     const QListWidgetItem *item = list(panel)->item(0);
     QCOMPARE(item->data(Qt::UserRole + 2), QVariant(approved));
     QCOMPARE(item->data(Qt::UserRole + 3), QVariant(muted));

@@ -96,8 +96,8 @@ void StationList::writeState(QListWidgetItem *item, bool transmitting, bool mute
 {
     // Each changed value would have all rows laid out again, and none of them changes a row's size.
     const QSignalBlocker quiet(model());
-    const bool isStyled =
-        item->data(TransmittingRole) == QVariant(transmitting) && item->data(ApprovedRole) == QVariant(approved);
+    const bool isStyled = item->data(ApprovedRole).isValid() && item->data(ApprovedRole).toBool() == approved &&
+                          item->data(TransmittingRole).toBool() == transmitting;
     item->setData(ApprovedRole, approved);
     item->setData(MutedRole, muted);
     item->setData(TransmittingRole, transmitting);
