@@ -23,7 +23,7 @@ constexpr int kControlHeight = 30;
 constexpr int kStatusHeight = 36;
 constexpr int kMostStatusHeight = 96; // four lines; a longer room name is cut
 constexpr int kShortestSelector = 10; // characters
-constexpr int kMostStations = 2000;
+constexpr int kMostStations = 1000;
 
 QString noRooms()
 {

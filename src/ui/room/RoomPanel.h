@@ -33,7 +33,7 @@ public:
     void setRooms(const QStringList &rooms);
     void setCurrentRoom(const QString &room);
     /// Shows exactly these room user records, in this order, as if every row were made anew. Of records with the same
-    /// callsign the last one stays; of a list no room can have (more than 2000 stations) only the beginning.
+    /// callsign the last one stays; of a list no room can have (more than 1000 stations) only the beginning.
     void setUsers(const QList<QVariantMap> &users, const QString &ownCallsign);
     /// Empties the list. The mutes set with setUserMuted() are kept.
     void clearUsers();
