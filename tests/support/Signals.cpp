@@ -8,7 +8,8 @@
 namespace {
 
 constexpr double kPi = 3.14159265358979323846;
-constexpr int kSampleSize = 2; // bytes
+constexpr int kSampleSize = 2;  // bytes
+constexpr int kWindowSteps = 5; // longer than a period of a voice: its words count, not its pitch
 
 int sampleCount(const QByteArray &pcm)
 {
@@ -123,7 +124,7 @@ QVector<double> Signals::envelope(const QByteArray &pcm, int rate)
     };
     QVector<double> levels(steps);
     for (int step = 0; step < steps; ++step)
-        levels[step] = rmsOf(pcm, sampleOf(step), sampleOf(step + 1));
+        levels[step] = rmsOf(pcm, sampleOf(step), std::min(count, sampleOf(step + kWindowSteps)));
     return levels;
 }
 

@@ -26,7 +26,7 @@ struct Match
 /// At least half of `said` has to lie within `heard`; what lies outside of it counts as silence.
 [[nodiscard]] Match correlate(const QVector<double> &said, const QVector<double> &heard);
 
-/// Loudness over time: one root mean square per step.
+/// Loudness over time: each step, the root mean square of the 25 ms that begin there.
 [[nodiscard]] QVector<double> envelope(const QByteArray &pcm, int rate);
 constexpr std::chrono::milliseconds kEnvelopeStep{5};
 
