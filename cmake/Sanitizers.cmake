@@ -9,3 +9,9 @@ if(EVOX_SANITIZE)
         "LSAN_OPTIONS=suppressions=${CMAKE_SOURCE_DIR}/tests/support/lsan.supp:print_suppressions=0"
         "UBSAN_OPTIONS=print_stacktrace=1:halt_on_error=1")
 endif()
+
+if(EVOX_FUZZ)
+    # The libraries report their branches to the fuzzer, which only the targets of fuzz/ bring along.
+    add_compile_options(-fsanitize=fuzzer-no-link,address,undefined -fno-sanitize=vptr -fno-omit-frame-pointer)
+    add_link_options(-fsanitize=fuzzer-no-link,address,undefined)
+endif()

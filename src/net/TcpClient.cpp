@@ -16,9 +16,9 @@ namespace {
 constexpr std::chrono::milliseconds kHeartbeatInterval{5000};
 
 // A message of these words that stands alone on its line announces that its payload is the next line.
-bool announcesPayload(const QString &line)
+bool announcesPayload(const QByteArray &line)
 {
-    return line == QLatin1String("USER_PROFILE") || line == QLatin1String("USER_INFO_RESULT");
+    return line == "USER_PROFILE" || line == "USER_INFO_RESULT";
 }
 
 } // namespace
@@ -70,9 +70,10 @@ bool TcpClient::isAdmin() const
 void TcpClient::connectToServer(const QString &host, quint16 port)
 {
     qDebug().noquote() << "[TCP] Connecting to" << host << port;
-    if (m_socket->state() != QAbstractSocket::UnconnectedState)
-        m_socket->abort();
-    m_socket->connectToHost(host, port);
+    const QPointer<TcpClient> self(this);
+    abortConnection();
+    if (self)
+        m_socket->connectToHost(host, port);
 }
 
 void TcpClient::disconnectFromServer()
@@ -82,7 +83,12 @@ void TcpClient::disconnectFromServer()
         m_socket->flush();
     }
     m_heartbeat->stop();
-    m_socket->close();
+    if (m_socket->state() == QAbstractSocket::ConnectedState)
+        m_socket->close(); // what has been written still goes out
+    else if (m_socket->state() != QAbstractSocket::ClosingState)
+        m_socket->abort(); // an attempt would otherwise go on and only then be closed
+    if (m_lossPending)
+        tellDisconnected();
 }
 
 void TcpClient::disconnectFrom(int connection)
@@ -93,12 +99,15 @@ void TcpClient::disconnectFrom(int connection)
 
 void TcpClient::abortConnection()
 {
-    m_socket->abort();
+    if (m_socket->state() != QAbstractSocket::UnconnectedState)
+        m_socket->abort();
+    if (m_lossPending)
+        tellDisconnected();
 }
 
 void TcpClient::sendCommand(const QString &line)
 {
-    if (!m_connected)
+    if (!m_connected || m_socket->state() != QAbstractSocket::ConnectedState)
         return;
     m_socket->write(line.toUtf8() + "\r\n");
 }
@@ -160,6 +169,20 @@ void TcpClient::onConnected()
 
 void TcpClient::onDisconnected()
 {
+    m_lossPending = true;
+    scheduleDrain();
+}
+
+void TcpClient::onError(QAbstractSocket::SocketError error)
+{
+    Q_UNUSED(error)
+    m_pendingErrors.append(m_socket->errorString());
+    scheduleDrain();
+}
+
+void TcpClient::tellDisconnected()
+{
+    m_lossPending = false;
     m_heartbeat->stop();
     m_connected = false;
     ++m_connection;
@@ -167,10 +190,8 @@ void TcpClient::onDisconnected()
     emit disconnected();
 }
 
-void TcpClient::onError(QAbstractSocket::SocketError error)
+void TcpClient::tellError(const QString &text)
 {
-    Q_UNUSED(error)
-    const QString text = m_socket->errorString();
     qDebug().noquote() << "[TCP] Error:" << text;
     emit errorOccurred(text);
 }
@@ -185,7 +206,12 @@ void TcpClient::onHeartbeat()
 
 void TcpClient::onReadyRead()
 {
-    m_buffer.append(m_socket->readAll());
+    receive(m_socket->readAll());
+}
+
+void TcpClient::receive(const QByteArray &bytes)
+{
+    m_buffer.append(bytes);
     scheduleDrain();
 }
 
@@ -197,57 +223,70 @@ void TcpClient::scheduleDrain()
     QMetaObject::invokeMethod(this, &TcpClient::drain, Qt::QueuedConnection);
 }
 
-/// Dispatches everything that is whole. A receiver may block in an event loop of its own: the drain that is scheduled
-/// first then goes on under it with the lines that are left, and this one finds nothing more when it gets back.
+/// Dispatches everything that is whole; errors and a loss are told after the lines that came before them. A receiver
+/// may block in an event loop of its own: the drain that is scheduled first then goes on under it with what is left,
+/// and this one finds nothing more when it gets back.
 void TcpClient::drain()
 {
     m_drainScheduled = false;
     const QPointer<TcpClient> self(this);
-    while (auto message = m_buffer.next()) {
-        if (!m_buffer.isEmpty())
-            scheduleDrain();
+    while (const auto message = m_buffer.next()) {
+        scheduleRest();
         if (message->kind == MessageBuffer::Message::Kind::Audio)
             emit audioReceived(message->bytes, message->userId);
         else
-            dispatchLine(QString::fromUtf8(message->bytes));
+            dispatchLine(message->bytes);
         if (!self)
             return;
     }
     if (m_buffer.isOverflowing())
         endOverlongConnection();
+    while (!m_pendingErrors.isEmpty()) {
+        const QString text = m_pendingErrors.takeFirst();
+        scheduleRest();
+        tellError(text);
+        if (!self)
+            return;
+    }
+    if (m_lossPending)
+        tellDisconnected();
+}
+
+void TcpClient::scheduleRest()
+{
+    if (!m_buffer.isEmpty() || !m_pendingErrors.isEmpty() || m_lossPending)
+        scheduleDrain();
 }
 
 void TcpClient::endOverlongConnection()
 {
     m_buffer = {};
-    const QString text = QStringLiteral("Server message too long");
-    qDebug().noquote() << "[TCP] Error:" << text;
+    m_pendingErrors.append(QStringLiteral("Server message too long"));
     m_socket->abort();
-    emit errorOccurred(text);
 }
 
-void TcpClient::dispatchLine(const QString &line)
+void TcpClient::dispatchLine(const QByteArray &line)
 {
     if (!m_pendingLine.isEmpty())
-        dispatch(std::exchange(m_pendingLine, QString()) + QLatin1Char('|') + line);
+        dispatch(std::exchange(m_pendingLine, QByteArray()) + '|' + line);
     else if (announcesPayload(line))
         m_pendingLine = line;
     else
         dispatch(line);
 }
 
-void TcpClient::dispatch(const QString &line)
+void TcpClient::dispatch(const QByteArray &line)
 {
-    if (line == QLatin1String("PONG")) {
+    if (line == "PONG") {
         handlePong();
         return;
     }
-    if (line.startsWith(QLatin1String("ROIP SERVER READY"))) {
+    if (line.startsWith("ROIP SERVER READY")) {
         qDebug() << "[TCP] Server ready";
         return;
     }
     const ServerMessage message(line);
-    if (const Handler handler = handlers().value(message.word()))
+    if (const Handler handler = handlerFor(message.bytes(0)))
         (this->*handler)(message);
     else
         qDebug().noquote() << "[TCP] Unknown command:" << message.word();

@@ -3,11 +3,12 @@
 #include "net/protocol/MessageBuffer.h"
 
 #include <QAbstractSocket>
-#include <QHash>
 #include <QList>
 #include <QObject>
 #include <QStringList>
 #include <QVariantMap>
+
+#include <string_view>
 
 class QTcpSocket;
 class QTimer;
@@ -17,7 +18,7 @@ class ServerMessage;
 /// measures the round trip, and turns every server line into a signal. Never reconnects by itself. GUI thread only.
 ///
 /// Lines are dispatched from the event loop, never inside the socket's own signals, so a receiver may open a blocking
-/// box: later lines are then dispatched under it, each once and in order.
+/// box: later lines are then dispatched under it, each once and in order, and errors and a loss after them.
 class TcpClient final : public QObject
 {
     Q_OBJECT
@@ -95,16 +96,22 @@ private slots:
 private:
     using Handler = void (TcpClient::*)(const ServerMessage &);
 
+    /// Takes bytes as they arrive; they are dispatched when the event loop comes round.
+    Q_INVOKABLE void receive(const QByteArray &bytes);
     void scheduleDrain();
     void drain();
-    void dispatchLine(const QString &line);
-    void dispatch(const QString &line);
+    void scheduleRest();
+    void tellDisconnected();
+    void tellError(const QString &text);
+    void dispatchLine(const QByteArray &line);
+    void dispatch(const QByteArray &line);
     void endOverlongConnection();
     /// Says goodbye on the connection of that number, if it is still the present one.
     void disconnectFrom(int connection);
 
     // TcpClientMessages.cpp: one small handler per message word
-    [[nodiscard]] static const QHash<QString, Handler> &handlers();
+    /// Null for a word that is not known; the word in any case.
+    [[nodiscard]] static Handler handlerFor(std::string_view word);
     void handlePong();
     void handleLoginOk(const ServerMessage &message);
     void handleLoginFailed(const ServerMessage &message);
@@ -144,11 +151,13 @@ private:
     QTimer *m_heartbeat = nullptr;
     MessageBuffer m_buffer;
     bool m_connected = false;
-    QString m_pendingLine;   ///< a line whose payload comes on the next one
-    qint64 m_pingSentAt = 0; ///< milliseconds since the epoch; 0 when no PING is outstanding
+    QByteArray m_pendingLine; ///< a line whose payload comes on the next one
+    qint64 m_pingSentAt = 0;  ///< milliseconds since the epoch; 0 when no PING is outstanding
     QString m_udpToken;
     int m_userId = 0;
     bool m_isAdmin = false;
     int m_connection = 0; ///< counts connections, so that a late reaction does not hit the next one
     bool m_drainScheduled = false;
+    bool m_lossPending = false;  ///< the socket is gone; told after the lines that came before
+    QStringList m_pendingErrors; ///< told after the lines that came before
 };

@@ -4,8 +4,12 @@
 #include "net/protocol/ServerMessage.h"
 
 #include <QDebug>
+#include <QHash>
 #include <QJsonObject>
 #include <QPointer>
+#include <QVarLengthArray>
+
+#include <unordered_map>
 
 namespace {
 
@@ -13,58 +17,62 @@ constexpr int kShownKeyPart = 16;
 
 } // namespace
 
-const QHash<QString, TcpClient::Handler> &TcpClient::handlers()
+TcpClient::Handler TcpClient::handlerFor(std::string_view word)
 {
     using Client = TcpClient;
-    static const QHash<QString, Handler> table{
-        {QStringLiteral("LOGIN_OK"), &Client::handleLoginOk},
-        {QStringLiteral("LOGIN_FAILED"), &Client::handleLoginFailed},
-        {QStringLiteral("REGISTER_OK"), &Client::handleRegisterOk},
-        {QStringLiteral("REGISTER_FAILED"), &Client::handleRegisterFailed},
-        {QStringLiteral("ROOMS"), &Client::handleRooms},
-        {QStringLiteral("JOIN_OK"), &Client::handleJoinOk},
-        {QStringLiteral("JOIN_FAILED"), &Client::handleJoinFailed},
-        {QStringLiteral("LEAVE_OK"), &Client::handleLeaveOk},
-        {QStringLiteral("MOVED"), &Client::handleMoved},
-        {QStringLiteral("USER_LIST"), &Client::handleUserList},
-        {QStringLiteral("ONLINE_USERS"), &Client::handleOnlineUsers},
-        {QStringLiteral("ADMIN_ALL_USERS"), &Client::handleAllUsers},
-        {QStringLiteral("ADMIN_GET_ALL_USERS"), &Client::handleAllUsers},
-        {QStringLiteral("ADMIN_PENDING"), &Client::handlePendingUsers},
-        {QStringLiteral("USER_INFO"), &Client::handleUserInfo},
-        {QStringLiteral("USER_INFO_RESULT"), &Client::handleUserInfoResult},
-        {QStringLiteral("USER_PROFILE"), &Client::handleUserProfile},
-        {QStringLiteral("TX_START_OK"), &Client::handleTransmitStarted},
-        {QStringLiteral("TX_START_FAILED"), &Client::handleTransmitFailed},
-        {QStringLiteral("TX_STOP_OK"), &Client::handleTransmitStopped},
-        {QStringLiteral("USER_CHANGE_PASSWORD_OK"), &Client::handlePasswordChanged},
-        {QStringLiteral("USER_CHANGE_PASSWORD_FAIL"), &Client::handlePasswordChangeFailed},
-        {QStringLiteral("USER_REQUEST_HWID_RESET_OK"), &Client::handleAcknowledged},
-        {QStringLiteral("ADMIN_NOTIFICATION"), &Client::handleNotification},
-        {QStringLiteral("MUTED"), &Client::handleMuted},
-        {QStringLiteral("ADMIN_RESET_HWID_OK"), &Client::handleHwidReset},
-        {QStringLiteral("ADMIN_SET_ROOM_ORDER_OK"), &Client::handleRoomOrderSaved},
-        {QStringLiteral("ADMIN_SET_AUDIO_QUALITY_OK"), &Client::handleSubjectAcknowledged},
-        {QStringLiteral("ADMIN_CREATE_ROOM_OK"), &Client::handleSubjectAcknowledged},
-        {QStringLiteral("ADMIN_DELETE_ROOM_OK"), &Client::handleSubjectAcknowledged},
-        {QStringLiteral("ADMIN_EDIT_ROOM_OK"), &Client::handleSubjectAcknowledged},
-        {QStringLiteral("ADMIN_RESET_PASSWORD_OK"), &Client::handleSubjectAcknowledged},
-        {QStringLiteral("ADMIN_KICK_OK"), &Client::handleAcknowledged},
-        {QStringLiteral("ADMIN_APPROVE_USER_OK"), &Client::handleAcknowledged},
-        {QStringLiteral("ADMIN_UNAPPROVE_USER_OK"), &Client::handleAcknowledged},
-        {QStringLiteral("ADMIN_UPDATE_USER_OK"), &Client::handleAcknowledged},
-        {QStringLiteral("ADMIN_DELETE_USER_OK"), &Client::handleAcknowledged},
-        {QStringLiteral("ADMIN_APPROVE_OK"), &Client::handleAcknowledged},
-        {QStringLiteral("ADMIN_UNAPPROVE_OK"), &Client::handleAcknowledged},
-        {QStringLiteral("ADMIN_BAN_OK"), &Client::handleAcknowledged},
-        {QStringLiteral("ADMIN_MOVE_OK"), &Client::handleAcknowledged},
-        {QStringLiteral("SERVER_INFO"), &Client::handleServerInfo},
-        {QStringLiteral("AUDIO_QUALITY"), &Client::handleAudioQuality},
-        {QStringLiteral("ERROR"), &Client::handleError},
-        {QStringLiteral("KICKED"), &Client::handleKicked},
-        {QStringLiteral("BANNED"), &Client::handleBanned},
+    static const std::unordered_map<std::string_view, Handler> table{
+        {"LOGIN_OK", &Client::handleLoginOk},
+        {"LOGIN_FAILED", &Client::handleLoginFailed},
+        {"REGISTER_OK", &Client::handleRegisterOk},
+        {"REGISTER_FAILED", &Client::handleRegisterFailed},
+        {"ROOMS", &Client::handleRooms},
+        {"JOIN_OK", &Client::handleJoinOk},
+        {"JOIN_FAILED", &Client::handleJoinFailed},
+        {"LEAVE_OK", &Client::handleLeaveOk},
+        {"MOVED", &Client::handleMoved},
+        {"USER_LIST", &Client::handleUserList},
+        {"ONLINE_USERS", &Client::handleOnlineUsers},
+        {"ADMIN_ALL_USERS", &Client::handleAllUsers},
+        {"ADMIN_GET_ALL_USERS", &Client::handleAllUsers},
+        {"ADMIN_PENDING", &Client::handlePendingUsers},
+        {"USER_INFO", &Client::handleUserInfo},
+        {"USER_INFO_RESULT", &Client::handleUserInfoResult},
+        {"USER_PROFILE", &Client::handleUserProfile},
+        {"TX_START_OK", &Client::handleTransmitStarted},
+        {"TX_START_FAILED", &Client::handleTransmitFailed},
+        {"TX_STOP_OK", &Client::handleTransmitStopped},
+        {"USER_CHANGE_PASSWORD_OK", &Client::handlePasswordChanged},
+        {"USER_CHANGE_PASSWORD_FAIL", &Client::handlePasswordChangeFailed},
+        {"USER_REQUEST_HWID_RESET_OK", &Client::handleAcknowledged},
+        {"ADMIN_NOTIFICATION", &Client::handleNotification},
+        {"MUTED", &Client::handleMuted},
+        {"ADMIN_RESET_HWID_OK", &Client::handleHwidReset},
+        {"ADMIN_SET_ROOM_ORDER_OK", &Client::handleRoomOrderSaved},
+        {"ADMIN_SET_AUDIO_QUALITY_OK", &Client::handleSubjectAcknowledged},
+        {"ADMIN_CREATE_ROOM_OK", &Client::handleSubjectAcknowledged},
+        {"ADMIN_DELETE_ROOM_OK", &Client::handleSubjectAcknowledged},
+        {"ADMIN_EDIT_ROOM_OK", &Client::handleSubjectAcknowledged},
+        {"ADMIN_RESET_PASSWORD_OK", &Client::handleSubjectAcknowledged},
+        {"ADMIN_KICK_OK", &Client::handleAcknowledged},
+        {"ADMIN_APPROVE_USER_OK", &Client::handleAcknowledged},
+        {"ADMIN_UNAPPROVE_USER_OK", &Client::handleAcknowledged},
+        {"ADMIN_UPDATE_USER_OK", &Client::handleAcknowledged},
+        {"ADMIN_DELETE_USER_OK", &Client::handleAcknowledged},
+        {"ADMIN_APPROVE_OK", &Client::handleAcknowledged},
+        {"ADMIN_UNAPPROVE_OK", &Client::handleAcknowledged},
+        {"ADMIN_BAN_OK", &Client::handleAcknowledged},
+        {"ADMIN_MOVE_OK", &Client::handleAcknowledged},
+        {"SERVER_INFO", &Client::handleServerInfo},
+        {"AUDIO_QUALITY", &Client::handleAudioQuality},
+        {"ERROR", &Client::handleError},
+        {"KICKED", &Client::handleKicked},
+        {"BANNED", &Client::handleBanned},
     };
-    return table;
+    QVarLengthArray<char, 64> capitals;
+    for (const char c : word)
+        capitals.append(c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c);
+    const auto found = table.find({capitals.constData(), static_cast<std::size_t>(capitals.size())});
+    return found != table.end() ? found->second : nullptr;
 }
 
 void TcpClient::handleLoginOk(const ServerMessage &message)

@@ -5,6 +5,7 @@
 #include <QDateTime>
 #include <QDebug>
 #include <QHostInfo>
+#include <QPointer>
 #include <QTimer>
 #include <QUdpSocket>
 
@@ -107,6 +108,7 @@ bool UdpAudio::enableUdp(const QString &host, quint16 port, const QString &token
     m_step = Step::AwaitPong;
     m_ready = false;
     m_lastReceived = m_clock();
+    m_handshakeTimer->stop(); // of the handshake that this one replaces
     if (!openSocket()) {
         emit udpFailed();
         return false;
@@ -224,11 +226,12 @@ void UdpAudio::fail()
 
 void UdpAudio::onReadyRead()
 {
-    while (m_socket && m_socket->hasPendingDatagrams()) {
+    const QPointer<UdpAudio> self(this); // a receiver may be the end of this link
+    while (self && m_socket->hasPendingDatagrams()) {
         QByteArray datagram(static_cast<int>(std::max<qint64>(m_socket->pendingDatagramSize(), 0)), Qt::Uninitialized);
         const qint64 size = m_socket->readDatagram(datagram.data(), datagram.size());
         if (size < 0)
-            continue;
+            return; // the socket tells again when there is more
         datagram.truncate(static_cast<int>(size));
         handleDatagram(datagram);
     }

@@ -56,7 +56,7 @@ private:
     void sendToken();
     void fail();
     void confirm();
-    void handleDatagram(const QByteArray &datagram);
+    Q_INVOKABLE void handleDatagram(const QByteArray &datagram);
     void handleRegistered(const QString &text);
     Q_INVOKABLE void checkHealth();
     void reinitialize();

@@ -65,7 +65,9 @@ void MessageBufferTest::messages_data()
     row("two parts", "AUDIO 7\r\nPONG\n", {q("AUDIO 7"), q("PONG")});
     row("length no number", "AUDIO 7 x\r\nPONG\n", {q("AUDIO 7 x"), q("PONG")});
     row("length negative", "AUDIO 7 -1\r\nPONG\n", {q("AUDIO 7 -1"), q("PONG")});
-    row("id no number", "AUDIO x 1\r\nPONG\n", {q("AUDIO x 1"), q("PONG")});
+    row("id no number reads 0", "AUDIO x 1\r\nyPONG\n", {q("#0:79"), q("PONG")});
+    row("id missing", "AUDIO  1\r\nyPONG\n", {q("#0:79"), q("PONG")});
+    row("length missing", "AUDIO 7 \r\nPONG\n", {q("AUDIO 7"), q("PONG")});
     row("word without a blank is a line", "AUDIO\r\nAUDIOX 1 2\r\n", {q("AUDIO"), q("AUDIOX 1 2")});
     row("word in lower case is a line", "audio 7 1\r\n", {q("audio 7 1")});
     row("AUDIO_QUALITY is a line", "AUDIO_QUALITY|high|64000\r\n", {q("AUDIO_QUALITY|high|64000")});

@@ -44,7 +44,7 @@ QString user(int id, const char *callsign, const char *name, bool tx, bool appro
 
 void ServerMessageTest::fields()
 {
-    const ServerMessage message(QStringLiteral("kicked|a||b"));
+    const ServerMessage message("kicked|a||b");
     QCOMPARE(message.word(), QStringLiteral("KICKED"));
     QCOMPARE(message.size(), 4);
     QCOMPARE(message.field(0), QStringLiteral("kicked"));
@@ -54,9 +54,9 @@ void ServerMessageTest::fields()
     QCOMPARE(message.field(9, QStringLiteral("fallback")), QStringLiteral("fallback"));
     QCOMPARE(message.rest(1), QStringLiteral("a||b"));
     QCOMPARE(message.rest(4, QStringLiteral("fallback")), QStringLiteral("fallback"));
-    QCOMPARE(ServerMessage(QStringLiteral("MUTED|1|x|")).rest(2), QStringLiteral("x|"));
-    QCOMPARE(ServerMessage(QString()).word(), QString());
-    QCOMPARE(ServerMessage(QStringLiteral("LOGIN_OK|||x|12a")).number(4), 0);
+    QCOMPARE(ServerMessage("MUTED|1|x|").rest(2), QStringLiteral("x|"));
+    QCOMPARE(ServerMessage({}).word(), QString());
+    QCOMPARE(ServerMessage("LOGIN_OK|||x|12a").number(4), 0);
 }
 
 void ServerMessageTest::json_data()
@@ -78,7 +78,7 @@ void ServerMessageTest::json_data()
 void ServerMessageTest::json()
 {
     QFETCH(QString, line);
-    const QJsonDocument document = ServerMessage(line).json();
+    const QJsonDocument document = ServerMessage(line.toUtf8()).json();
     QTEST(document.isNull() ? QString() : QString::fromUtf8(document.toJson(QJsonDocument::Compact)), "json");
 }
 
@@ -105,7 +105,7 @@ void ServerMessageTest::roomUsers_data()
 void ServerMessageTest::roomUsers()
 {
     QFETCH(QString, line);
-    QTEST(text(ServerRecords::roomUsers(ServerMessage(line))), "records");
+    QTEST(text(ServerRecords::roomUsers(ServerMessage(line.toUtf8()))), "records");
 }
 
 void ServerMessageTest::onlineUsers_data()
@@ -130,7 +130,7 @@ void ServerMessageTest::onlineUsers_data()
 void ServerMessageTest::onlineUsers()
 {
     QFETCH(QString, line);
-    QTEST(text(ServerRecords::onlineUsers(ServerMessage(line))), "records");
+    QTEST(text(ServerRecords::onlineUsers(ServerMessage(line.toUtf8()))), "records");
 }
 
 void ServerMessageTest::audioQuality_data()
@@ -151,7 +151,7 @@ void ServerMessageTest::audioQuality_data()
 void ServerMessageTest::audioQuality()
 {
     QFETCH(QString, line);
-    QTEST(text({ServerRecords::audioQuality(ServerMessage(line))}), "record");
+    QTEST(text({ServerRecords::audioQuality(ServerMessage(line.toUtf8()))}), "record");
 }
 
 void ServerMessageTest::objects()

@@ -1,7 +1,5 @@
 #include "net/protocol/MessageBuffer.h"
 
-#include <QList>
-
 #include <algorithm>
 
 namespace {
@@ -10,24 +8,37 @@ namespace {
 constexpr int kCompactFrom = 64 * 1024;
 const QByteArray kAudioWord = QByteArrayLiteral("AUDIO ");
 
+/// A copy of the bytes between two places, without the white space around them.
+QByteArray trimmed(const char *begin, const char *end)
+{
+    const auto isSpace = [](char c) { return c == ' ' || (c >= '\t' && c <= '\r'); };
+    while (begin < end && isSpace(*begin))
+        ++begin;
+    while (begin < end && isSpace(end[-1]))
+        --end;
+    return {begin, static_cast<int>(end - begin)};
+}
+
 struct AudioHeader
 {
     uint userId = 0;
     int length = -1; ///< negative: no audio header
 };
 
-AudioHeader parseAudioHeader(const QByteArray &text)
+/// The header without its line end. An id that is no number reads 0: the frame still has to be taken off the stream.
+AudioHeader parseAudioHeader(const QByteArray &header)
 {
-    const QList<QByteArray> parts = text.split(' ');
-    if (parts.size() < 3)
+    const int id = kAudioWord.size();
+    const int idEnd = header.indexOf(' ', id);
+    if (idEnd < 0)
         return {};
-    bool idOk = false;
-    bool lengthOk = false;
-    const uint id = parts.at(1).toUInt(&idOk);
-    const qlonglong length = parts.at(2).toLongLong(&lengthOk);
-    if (!idOk || !lengthOk || length < 0)
+    const int lengthEnd = header.indexOf(' ', idEnd + 1);
+    bool isNumber = false;
+    const qlonglong length = header.mid(idEnd + 1, lengthEnd < 0 ? -1 : lengthEnd - idEnd - 1).toLongLong(&isNumber);
+    if (!isNumber || length < 0)
         return {};
-    return {id, static_cast<int>(std::min<qlonglong>(length, MessageBuffer::kLimit + 1LL))};
+    return {header.mid(id, idEnd - id).toUInt(),
+            static_cast<int>(std::min<qlonglong>(length, MessageBuffer::kLimit + 1LL))};
 }
 
 } // namespace
@@ -85,14 +96,11 @@ std::optional<MessageBuffer::Message> MessageBuffer::next()
                 return nextAudio();
         }
         const int end = findLineFeed();
-        if (end < 0) {
-            m_overflow = available > kLimit;
+        m_overflow = (end < 0 ? available : end - m_begin) > kLimit;
+        if (end < 0 || m_overflow)
             return std::nullopt;
-        }
-        // Named, so that the trimming copies: a temporary would be trimmed in place, in this buffer.
-        const QByteArray raw = QByteArray::fromRawData(m_bytes.constData() + m_begin, end - m_begin);
-        Message message{Message::Kind::Line, raw.trimmed(), 0};
-        message.bytes.detach(); // where nothing was trimmed it still points into this buffer
+        Message message;
+        message.bytes = trimmed(m_bytes.constData() + m_begin, m_bytes.constData() + end);
         consume(end + 1);
         if (!message.bytes.isEmpty())
             return message;
@@ -111,12 +119,13 @@ std::optional<MessageBuffer::Message> MessageBuffer::nextAudio()
         m_overflow = m_bytes.size() - m_begin > kLimit;
         return std::nullopt;
     }
-    const QByteArray text = m_bytes.mid(m_begin, headerEnd - 1 - m_begin);
-    const AudioHeader header = parseAudioHeader(text);
+    const AudioHeader header = parseAudioHeader(m_bytes.mid(m_begin, headerEnd - 1 - m_begin));
     const int payload = headerEnd + 1;
+    Message message;
     if (header.length < 0) {
+        message.bytes = trimmed(m_bytes.constData() + m_begin, m_bytes.constData() + headerEnd);
         consume(payload);
-        return Message{Message::Kind::Line, text.trimmed(), 0};
+        return message;
     }
     if (header.length > kLimit) {
         m_overflow = true;
@@ -124,7 +133,9 @@ std::optional<MessageBuffer::Message> MessageBuffer::nextAudio()
     }
     if (m_bytes.size() - payload < header.length)
         return std::nullopt; // the header stays in front until the whole frame is there
-    Message message{Message::Kind::Audio, m_bytes.mid(payload, header.length), header.userId};
+    message.kind = Message::Kind::Audio;
+    message.bytes = m_bytes.mid(payload, header.length);
+    message.userId = header.userId;
     consume(payload + header.length);
     return message;
 }

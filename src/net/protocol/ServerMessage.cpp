@@ -3,64 +3,151 @@
 #include <QJsonArray>
 #include <QJsonObject>
 
-ServerMessage::ServerMessage(const QString &line)
-    : m_line(line)
-    , m_fields(line.split(QLatin1Char('|')))
-    , m_word(m_fields.first().toUpper())
+#include <charconv>
+#include <optional>
+
+namespace {
+
+QString textOf(std::string_view bytes)
 {
+    return QString::fromUtf8(bytes.data(), static_cast<int>(bytes.size()));
+}
+
+std::optional<int> numberIn(std::string_view bytes)
+{
+    const auto isSpace = [](char c) { return c == ' ' || (c >= '\t' && c <= '\r'); };
+    while (!bytes.empty() && isSpace(bytes.front()))
+        bytes.remove_prefix(1);
+    while (!bytes.empty() && isSpace(bytes.back()))
+        bytes.remove_suffix(1);
+    int number = 0;
+    const char *end = bytes.data() + bytes.size();
+    const auto [stop, error] = std::from_chars(bytes.data(), end, number);
+    return error == std::errc() && stop == end ? std::optional(number) : std::nullopt;
+}
+
+QJsonDocument parse(std::string_view bytes)
+{
+    QJsonParseError error;
+    const auto raw = QByteArray::fromRawData(bytes.data(), static_cast<int>(bytes.size()));
+    const QJsonDocument document = QJsonDocument::fromJson(raw, &error);
+    if (error.error != QJsonParseError::IllegalUTF8String)
+        return document;
+    return QJsonDocument::fromJson(textOf(bytes).toUtf8()); // with a replacement character for what is no UTF-8
+}
+
+/// The items of one list, one after the other and without a copy of the list; empty ones are items too.
+class Items final
+{
+public:
+    Items(std::string_view list, char separator)
+        : m_rest(list)
+        , m_separator(separator)
+    {
+    }
+    [[nodiscard]] bool atEnd() const { return m_atEnd; }
+    /// Empty once the items are used up.
+    std::string_view next()
+    {
+        const std::size_t end = m_rest.find(m_separator);
+        const std::string_view item = m_rest.substr(0, end);
+        m_atEnd = end == std::string_view::npos;
+        m_rest = m_atEnd ? std::string_view() : m_rest.substr(end + 1);
+        return item;
+    }
+
+private:
+    std::string_view m_rest;
+    char m_separator;
+    bool m_atEnd = false;
+};
+
+/// Adds a value under a key that sorts behind every key of the record: no search.
+template<typename Value> void append(QVariantMap &record, const QString &key, const Value &value)
+{
+    record.insert(record.cend(), key, value);
+}
+
+} // namespace
+
+ServerMessage::ServerMessage(const QByteArray &line)
+    : m_line(line)
+{
+    m_begins.append(0);
+    for (int bar = line.indexOf('|'); bar >= 0; bar = line.indexOf('|', bar + 1))
+        m_begins.append(bar + 1);
+}
+
+std::string_view ServerMessage::bytesFrom(int index) const
+{
+    if (index >= size())
+        return {};
+    const int begin = m_begins.at(index);
+    return {m_line.constData() + begin, static_cast<std::size_t>(m_line.size() - begin)};
+}
+
+std::string_view ServerMessage::bytes(int index) const
+{
+    if (index + 1 >= size())
+        return bytesFrom(index);
+    return bytesFrom(index).substr(0, static_cast<std::size_t>(m_begins.at(index + 1) - 1 - m_begins.at(index)));
 }
 
 QString ServerMessage::field(int index) const
 {
-    return index < m_fields.size() ? m_fields.at(index) : QString();
+    return textOf(bytes(index));
 }
 
 QString ServerMessage::field(int index, const QString &fallback) const
 {
-    return index < m_fields.size() ? m_fields.at(index) : fallback;
+    return index < size() ? field(index) : fallback;
+}
+
+int ServerMessage::number(int index) const
+{
+    return numberIn(bytes(index)).value_or(0);
 }
 
 QString ServerMessage::rest(int index, const QString &fallback) const
 {
-    return index < m_fields.size() ? m_line.section(QLatin1Char('|'), index) : fallback;
+    return index < size() ? textOf(bytesFrom(index)) : fallback;
 }
 
 QJsonDocument ServerMessage::json() const
 {
-    const QJsonDocument document = QJsonDocument::fromJson(field(1).toUtf8());
-    return document.isNull() && m_fields.size() > 2 ? wholeJson() : document;
+    const QJsonDocument document = parse(bytes(1));
+    return document.isNull() && size() > 2 ? wholeJson() : document;
 }
 
 QJsonDocument ServerMessage::wholeJson() const
 {
-    const int bar = m_line.indexOf(QLatin1Char('|'));
-    return bar < 0 ? QJsonDocument() : QJsonDocument::fromJson(m_line.midRef(bar + 1).toUtf8());
+    return parse(bytesFrom(1));
 }
 
 namespace ServerRecords {
 
 QList<QVariantMap> roomUsers(const ServerMessage &message)
 {
-    const auto list = [&message](int index) { return message.field(index).split(QLatin1Char(',')); };
-    const QStringList ids = list(2);
-    const QStringList callsigns = list(3);
-    const QStringList names = list(4);
-    const QStringList transmitting = list(5);
-    const QStringList approved = list(6);
-    const QStringList muted = list(7);
+    const auto list = [&message](int index) { return Items(message.bytes(index), ','); };
+    Items ids = list(2);
+    Items callsigns = list(3);
+    Items names = list(4);
+    Items transmitting = list(5);
+    Items approved = list(6);
+    Items muted = list(7);
     QList<QVariantMap> users;
-    users.reserve(ids.size());
-    for (int i = 0; i < ids.size(); ++i) {
-        bool isNumber = false;
-        const int id = ids.at(i).toInt(&isNumber);
-        if (!isNumber)
+    while (!ids.atEnd()) {
+        const std::optional<int> id = numberIn(ids.next());
+        QVariantMap user;
+        append(user, QStringLiteral("approved"), approved.next() == "1");
+        append(user, QStringLiteral("callsign"), textOf(callsigns.next()));
+        append(user, QStringLiteral("is_muted"), muted.next() == "1");
+        append(user, QStringLiteral("is_transmitting"), transmitting.next() == "TX");
+        append(user, QStringLiteral("name"), textOf(names.next()));
+        if (!id)
             continue;
-        users.append({{QStringLiteral("user_id"), id},
-                      {QStringLiteral("callsign"), callsigns.value(i)},
-                      {QStringLiteral("name"), names.value(i)},
-                      {QStringLiteral("is_transmitting"), transmitting.value(i) == QLatin1String("TX")},
-                      {QStringLiteral("approved"), approved.value(i) == QLatin1String("1")},
-                      {QStringLiteral("is_muted"), muted.value(i) == QLatin1String("1")}});
+        append(user, QStringLiteral("user_id"), *id);
+        users.append(user);
     }
     return users;
 }
@@ -68,18 +155,19 @@ QList<QVariantMap> roomUsers(const ServerMessage &message)
 QList<QVariantMap> onlineUsers(const ServerMessage &message)
 {
     QList<QVariantMap> users;
-    const QStringList entries = message.field(1).split(QLatin1Char(';'), Qt::SkipEmptyParts);
-    for (const QString &entry : entries) {
-        const QStringList items = entry.split(QLatin1Char(','));
-        bool isNumber = false;
-        const int id = items.first().toInt(&isNumber);
-        if (!isNumber)
+    Items entries(message.bytes(1), ';');
+    while (!entries.atEnd()) {
+        Items items(entries.next(), ',');
+        const std::optional<int> id = numberIn(items.next());
+        if (!id) // an empty entry has none either
             continue;
-        users.append({{QStringLiteral("id"), id},
-                      {QStringLiteral("callsign"), items.value(1)},
-                      {QStringLiteral("name"), items.value(2)},
-                      {QStringLiteral("room"), items.value(3)},
-                      {QStringLiteral("is_admin"), items.value(4) == QLatin1String("True")}});
+        QVariantMap user;
+        user.insert(QStringLiteral("id"), *id);
+        user.insert(QStringLiteral("callsign"), textOf(items.next()));
+        user.insert(QStringLiteral("name"), textOf(items.next()));
+        user.insert(QStringLiteral("room"), textOf(items.next()));
+        user.insert(QStringLiteral("is_admin"), items.next() == "True");
+        users.append(user);
     }
     return users;
 }

@@ -1,24 +1,31 @@
 #pragma once
 
+#include <QByteArray>
 #include <QJsonDocument>
 #include <QList>
 #include <QString>
-#include <QStringList>
+#include <QVarLengthArray>
 #include <QVariantMap>
 
-/// One line of the server: its fields, split at "|", empty ones kept. Missing fields read as empty texts.
+#include <string_view>
+
+/// One line of the server, UTF-8: its fields, split at "|", empty ones kept. Missing fields read as empty texts. Only
+/// the places of the fields are noted; a text is made of the fields that are asked for.
 class ServerMessage final
 {
 public:
-    explicit ServerMessage(const QString &line);
+    explicit ServerMessage(const QByteArray &line);
 
     /// The message word, in capitals.
-    [[nodiscard]] QString word() const { return m_word; }
+    [[nodiscard]] QString word() const { return field(0).toUpper(); }
     [[nodiscard]] QString field(int index) const;
     /// The field, or the fallback where the line has no such field.
     [[nodiscard]] QString field(int index, const QString &fallback) const;
-    [[nodiscard]] int number(int index) const { return field(index).toInt(); }
-    [[nodiscard]] int size() const { return m_fields.size(); }
+    /// The bytes of the field; valid as long as this message.
+    [[nodiscard]] std::string_view bytes(int index) const;
+    /// The field as a decimal number; 0 where it is none.
+    [[nodiscard]] int number(int index) const;
+    [[nodiscard]] int size() const { return m_begins.size(); }
     /// This field and all that follow, with the "|" between them; the fallback where the line has no such field.
     [[nodiscard]] QString rest(int index, const QString &fallback = {}) const;
     /// The JSON text of field 1; where that does not parse, of everything after the first "|".
@@ -27,9 +34,10 @@ public:
     [[nodiscard]] QJsonDocument wholeJson() const;
 
 private:
-    QString m_line;
-    QStringList m_fields;
-    QString m_word;
+    [[nodiscard]] std::string_view bytesFrom(int index) const;
+
+    QByteArray m_line;
+    QVarLengthArray<int, 24> m_begins; ///< where each field begins
 };
 
 /// The records that the server's messages carry; the keys of the maps are written here only.
