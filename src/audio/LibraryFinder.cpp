@@ -5,9 +5,9 @@
 namespace {
 
 #ifdef Q_OS_WIN
-constexpr QLatin1String kSuffix{".dll"};
+constexpr char kSuffix[] = ".dll";
 #else
-constexpr QLatin1String kSuffix{".so"};
+constexpr char kSuffix[] = ".so";
 #endif
 
 } // namespace
@@ -20,13 +20,13 @@ QStringList LibraryFinder::searchFolders(const QString &applicationFolder, const
 
 QString LibraryFinder::fileName(const QString &baseName)
 {
-    return baseName + kSuffix;
+    return baseName + QLatin1String(kSuffix);
 }
 
 QString LibraryFinder::find(const QStringList &folders, const QString &fileName)
 {
     for (const QString &folder : folders) {
-        const QString path = folder + QLatin1Char('/') + fileName;
+        QString path = folder + QLatin1Char('/') + fileName;
         if (QFileInfo(path).isFile())
             return path;
     }

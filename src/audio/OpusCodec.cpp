@@ -61,11 +61,9 @@ int OpusCodec::createDecoder(int sampleRate, int channels)
 
 int OpusCodec::encode(const QByteArray &pcm, QByteArray &packet)
 {
-    packet.resize(kMaxPacketSize);
-    const int size =
-        OpusLibrary::instance().opus_encode(m_encoder.get(), Pcm::samples(pcm), Pcm::sampleCount(pcm.size()),
-                                            reinterpret_cast<unsigned char *>(packet.data()), kMaxPacketSize);
-    packet.truncate(qMax(size, 0));
+    const int size = OpusLibrary::instance().opus_encode(
+        m_encoder.get(), Pcm::samples(pcm), Pcm::sampleCount(pcm.size()), m_encoded.data(), kMaxPacketSize);
+    packet = QByteArray(reinterpret_cast<const char *>(m_encoded.data()), qMax(size, 0));
     return size;
 }
 

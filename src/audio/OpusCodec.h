@@ -5,6 +5,7 @@
 #include <QByteArray>
 #include <QString>
 
+#include <array>
 #include <memory>
 
 /// What an encoder tunes for; the library's own numbers.
@@ -56,4 +57,5 @@ private:
 
     std::unique_ptr<OpusEncoder, EncoderDeleter> m_encoder;
     std::unique_ptr<OpusDecoder, DecoderDeleter> m_decoder;
+    std::array<unsigned char, kMaxPacketSize> m_encoded{}; // packets are much smaller: cut to size from here
 };

@@ -4,9 +4,8 @@
 
 namespace {
 
-constexpr RuntimeLibrary::Description kDescription{
-    QLatin1String("libopus-0"), QLatin1String("C:/e-vox-sinar-v4/libs/opus/x86"),
-    QLatin1String("[Opus] DLL not found!"), QLatin1String("[Opus] Loading:"), QLatin1String("[Opus] Load failed:")};
+constexpr RuntimeLibrary::Description kDescription{"libopus-0", "C:/e-vox-sinar-v4/libs/opus/x86",
+                                                   "[Opus] DLL not found!", "[Opus] Loading:", "[Opus] Load failed:"};
 
 } // namespace
 

@@ -19,14 +19,19 @@ constexpr int kHighestLevel = 100;
 constexpr int kFractionBits = 16;
 constexpr qint64 kOne = qint64(1) << kFractionBits;
 
-// As wide a product as the gain needs: ordinary gains fit 32 bits, which the compiler can vectorise.
-template<typename Product> void scale(qint16 *samples, int count, int percent)
+// Products up to 2^24 are exact in a float. A quotient that is no integer is then at least 0.01 away from one, and one
+// that fits a sample has steps of 0.002: it truncates as the integer division would, several samples at a time.
+constexpr int kWidestFloatGain = 512; // percent
+
+template<typename Number> void scale(qint16 *samples, int count, int percent)
 {
-    constexpr Product kLowest = std::numeric_limits<qint16>::min();
-    constexpr Product kHighest = std::numeric_limits<qint16>::max();
+    constexpr Number kLowest = std::numeric_limits<qint16>::min();
+    constexpr Number kHighest = std::numeric_limits<qint16>::max();
     for (int i = 0; i < count; ++i) {
-        const Product scaled = static_cast<Product>(samples[i]) * static_cast<Product>(percent) / kUnityGain;
-        samples[i] = static_cast<qint16>(qBound(kLowest, scaled, kHighest));
+        Number scaled = static_cast<Number>(samples[i]) * static_cast<Number>(percent) / Number(kUnityGain);
+        scaled = scaled < kLowest ? kLowest : scaled;
+        scaled = scaled > kHighest ? kHighest : scaled;
+        samples[i] = static_cast<qint16>(static_cast<int>(scaled));
     }
 }
 
@@ -34,12 +39,11 @@ template<typename Product> void scale(qint16 *samples, int count, int percent)
 
 void Pcm::applyGain(QByteArray &pcm, int percent)
 {
-    constexpr int kWidestFor32Bits = std::numeric_limits<qint16>::max();
     if (percent == kUnityGain)
         return;
     const int count = sampleCount(pcm.size());
-    if (percent >= -kWidestFor32Bits && percent <= kWidestFor32Bits)
-        scale<qint32>(samples(pcm), count, percent);
+    if (percent >= -kWidestFloatGain && percent <= kWidestFloatGain)
+        scale<float>(samples(pcm), count, percent);
     else
         scale<qint64>(samples(pcm), count, percent);
 }
@@ -49,8 +53,10 @@ int Pcm::level(const qint16 *samples, int count)
     if (count < 1)
         return 0;
     qint64 sum = 0;
-    for (int i = 0; i < count; ++i)
-        sum += qint32(samples[i]) * qint32(samples[i]);
+    for (int i = 0; i < count; ++i) {
+        const qint32 square = samples[i] * samples[i];
+        sum += square;
+    }
     const double rms = std::sqrt(static_cast<double>(sum) / count);
     if (rms < kQuietestRms)
         return 0;
@@ -71,14 +77,15 @@ QByteArray Pcm::convertRate(const QByteArray &pcm, int fromRate, int toRate)
     const qint16 *in = samples(pcm);
     qint16 *out = samples(converted);
     qint64 position = 0;
-    for (int i = 0; i < outCount; ++i, position += step) {
-        const int index = static_cast<int>(position >> kFractionBits);
+    int i = 0;
+    for (; i < outCount && (position >> kFractionBits) + 1 < inCount; ++i, position += step) {
+        const qint16 *here = in + (position >> kFractionBits);
         const int fraction = static_cast<int>(position & (kOne - 1));
         // The weights add up to one, so the sum of the products stays within 32 bits.
-        out[i] =
-            index + 1 < inCount
-                ? static_cast<qint16>((in[index + 1] * fraction + in[index] * (int(kOne) - fraction)) >> kFractionBits)
-                : in[qMin(index, inCount - 1)];
+        out[i] = static_cast<qint16>((here[1] * fraction + here[0] * (int(kOne) - fraction)) >> kFractionBits);
     }
+    // Beyond the last pair there is nothing to interpolate with.
+    for (; i < outCount; ++i)
+        out[i] = in[inCount - 1];
     return converted;
 }

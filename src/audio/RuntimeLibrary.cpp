@@ -8,9 +8,9 @@
 
 bool RuntimeLibrary::open(const Description &description)
 {
-    const QStringList folders = LibraryFinder::searchFolders(QCoreApplication::applicationDirPath(),
-                                                             QDir::currentPath(), description.buildFolder);
-    const QString path = LibraryFinder::find(folders, LibraryFinder::fileName(description.baseName));
+    const QStringList folders = LibraryFinder::searchFolders(
+        QCoreApplication::applicationDirPath(), QDir::currentPath(), QLatin1String(description.buildFolder));
+    const QString path = LibraryFinder::find(folders, LibraryFinder::fileName(QLatin1String(description.baseName)));
     if (path.isEmpty()) {
         qDebug().noquote() << description.notFound;
         return false;

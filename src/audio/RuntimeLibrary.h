@@ -1,6 +1,5 @@
 #pragma once
 
-#include <QLatin1String>
 #include <QLibrary>
 #include <QString>
 
@@ -14,11 +13,11 @@ public:
     /// The diagnostics differ by more than their tag, so each library brings its own.
     struct Description
     {
-        QLatin1String baseName;    ///< without the platform's suffix
-        QLatin1String buildFolder; ///< searched last
-        QLatin1String notFound;
-        QLatin1String loading;
-        QLatin1String loadFailed;
+        const char *baseName;    ///< without the platform's suffix
+        const char *buildFolder; ///< searched last
+        const char *notFound;
+        const char *loading;
+        const char *loadFailed;
     };
 
     RuntimeLibrary() = default;

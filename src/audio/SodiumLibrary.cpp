@@ -4,10 +4,9 @@
 
 namespace {
 
-constexpr RuntimeLibrary::Description kDescription{
-    QLatin1String("libsodium"), QLatin1String("C:/e-vox-sinar-v4/libs/sodium/x86"),
-    QLatin1String("[Sodium] DLL not found"), QLatin1String("[Sodium] Loading:"),
-    QLatin1String("[Sodium] Load failed:")};
+constexpr RuntimeLibrary::Description kDescription{"libsodium", "C:/e-vox-sinar-v4/libs/sodium/x86",
+                                                   "[Sodium] DLL not found",
+                                                   "[Sodium] Loading:", "[Sodium] Load failed:"};
 
 } // namespace
 

@@ -1,7 +1,9 @@
 #include "ui/ElidedLabel.h"
 
+#include <QHelpEvent>
 #include <QPainter>
 #include <QStyle>
+#include <QToolTip>
 
 #include <algorithm>
 
@@ -40,16 +42,44 @@ QSize ElidedLabel::minimumSizeHint() const
     return sizeHint();
 }
 
+QRect ElidedLabel::room() const
+{
+    return contentsRect().adjusted(margin(), margin(), -margin(), -margin());
+}
+
+ElidedLabel::Shown ElidedLabel::shown() const
+{
+    const QFontMetrics metrics = fontMetrics();
+    const QString all = text();
+    const QVector<QStringRef> lines = all.splitRef(QLatin1Char('\n'));
+    QStringList whole;
+    QStringList cut;
+    for (int i = 0; i < std::min(lines.size(), kMostLines); ++i) {
+        whole += lines.at(i).left(kMostCharacters).toString();
+        cut += metrics.elidedText(whole.last(), Qt::ElideRight, room().width());
+    }
+    const QString separator(QLatin1Char('\n'));
+    return {cut.join(separator), whole.join(separator), cut != whole};
+}
+
+bool ElidedLabel::event(QEvent *event)
+{
+    if (event->type() != QEvent::ToolTip || !toolTip().isEmpty())
+        return QLabel::event(event);
+    const Shown now = shown();
+    if (!now.isCut) {
+        event->ignore(); // whoever is under the label may have one
+        return true;
+    }
+    const QString tip = QStringLiteral("<div style='white-space: pre-wrap;'>%1</div>").arg(now.whole.toHtmlEscaped());
+    QToolTip::showText(static_cast<QHelpEvent *>(event)->globalPos(), tip, this);
+    return true;
+}
+
 void ElidedLabel::paintEvent(QPaintEvent *)
 {
     QPainter painter(this);
     drawFrame(&painter);
-    const QRect room = contentsRect().adjusted(margin(), margin(), -margin(), -margin());
-    const QFontMetrics metrics = fontMetrics();
-    const QVector<QStringRef> lines = text().splitRef(QLatin1Char('\n'));
-    QStringList shown;
-    for (int i = 0; i < std::min(lines.size(), kMostLines); ++i)
-        shown += metrics.elidedText(lines.at(i).left(kMostCharacters).toString(), Qt::ElideRight, room.width());
-    style()->drawItemText(&painter, room, static_cast<int>(alignment()) | Qt::TextExpandTabs, palette(), isEnabled(),
-                          shown.join(QLatin1Char('\n')), foregroundRole());
+    style()->drawItemText(&painter, room(), static_cast<int>(alignment()), palette(), isEnabled(), shown().text,
+                          foregroundRole());
 }

@@ -19,5 +19,18 @@ public:
     [[nodiscard]] static QString oneLine(QString text);
 
 protected:
+    /// A tool tip with the whole text where something is cut.
+    bool event(QEvent *event) override;
     void paintEvent(QPaintEvent *event) override;
+
+private:
+    struct Shown
+    {
+        QString text;
+        QString whole; ///< of the same bounded length
+        bool isCut = false;
+    };
+
+    [[nodiscard]] QRect room() const;
+    [[nodiscard]] Shown shown() const;
 };

@@ -3,6 +3,8 @@
 #include <QFile>
 #include <QTest>
 
+#include <csignal>
+#include <sys/prctl.h>
 #include <utility>
 
 namespace {
@@ -16,6 +18,13 @@ void write(const QString &path, const QString &text)
         file.write(text.toUtf8());
 }
 
+// Ends with this test, even when the test crashes.
+class BoundProcess final : public QProcess
+{
+protected:
+    void setupChildProcess() override { prctl(PR_SET_PDEATHSIG, SIGKILL); }
+};
+
 QStringList rawFormat(int rate)
 {
     return {QStringLiteral("--raw"), QStringLiteral("--format=s16le"), QStringLiteral("--channels=1"),
@@ -25,6 +34,7 @@ QStringList rawFormat(int rate)
 } // namespace
 
 PulseDaemon::PulseDaemon(const QStringList &radios)
+    : m_process(new BoundProcess)
 {
     writeFiles(radios);
 }
@@ -83,14 +93,14 @@ bool PulseDaemon::start()
     environment.remove(QStringLiteral("LD_PRELOAD"));
     environment.insert(QStringLiteral("HOME"), m_folder.path());
     environment.insert(QStringLiteral("PULSE_CONFIG"), path("daemon.conf"));
-    m_process.setProcessEnvironment(environment);
-    m_process.setProcessChannelMode(QProcess::MergedChannels);
-    m_process.setStandardOutputFile(path("pulse.log"));
+    m_process->setProcessEnvironment(environment);
+    m_process->setProcessChannelMode(QProcess::MergedChannels);
+    m_process->setStandardOutputFile(path("pulse.log"));
     QFile::remove(path("pulse.sock"));
-    m_process.start(QStringLiteral("pulseaudio"),
-                    {QStringLiteral("-n"), QStringLiteral("--file=") + path("default.pa"),
-                     QStringLiteral("--daemonize=no"), QStringLiteral("--use-pid-file=no"),
-                     QStringLiteral("--disallow-exit=yes"), QStringLiteral("--log-target=stderr")});
+    m_process->start(QStringLiteral("pulseaudio"),
+                     {QStringLiteral("-n"), QStringLiteral("--file=") + path("default.pa"),
+                      QStringLiteral("--daemonize=no"), QStringLiteral("--use-pid-file=no"),
+                      QStringLiteral("--disallow-exit=yes"), QStringLiteral("--log-target=stderr")});
     const auto answers = [] {
         QProcess question;
         question.start(QStringLiteral("pactl"), {QStringLiteral("info")});
@@ -101,6 +111,7 @@ bool PulseDaemon::start()
 
 void PulseDaemon::Ender::operator()(QProcess *process) const
 {
+    process->blockSignals(true); // its last words find nobody any more
     process->kill();
     process->waitForFinished();
     delete process;
@@ -108,13 +119,13 @@ void PulseDaemon::Ender::operator()(QProcess *process) const
 
 void PulseDaemon::kill()
 {
-    m_process.kill();
-    m_process.waitForFinished();
+    m_process->kill();
+    m_process->waitForFinished();
 }
 
 PulseDaemon::Process PulseDaemon::play(const QByteArray &pcm, int rate, const QString &sink) const
 {
-    Process player(new QProcess);
+    Process player(new BoundProcess);
     player->start(QStringLiteral("pacat"),
                   QStringList{QStringLiteral("--playback"), QStringLiteral("--device=") + sink} + rawFormat(rate));
     player->write(pcm);
@@ -124,7 +135,7 @@ PulseDaemon::Process PulseDaemon::play(const QByteArray &pcm, int rate, const QS
 
 PulseDaemon::Process PulseDaemon::record(int rate, const QString &source) const
 {
-    Process recorder(new QProcess);
+    Process recorder(new BoundProcess);
     recorder->start(QStringLiteral("pacat"),
                     QStringList{QStringLiteral("--record"), QStringLiteral("--latency-msec=50"),
                                 QStringLiteral("--device=") + source} +

@@ -40,5 +40,5 @@ private:
     void writeFiles(const QStringList &radios) const;
 
     QTemporaryDir m_folder;
-    QProcess m_process;
+    Process m_process;
 };

@@ -43,6 +43,7 @@ class TestPcm : public QObject
 private slots:
     void gain_data();
     void gain();
+    void everySampleAtEveryOrdinaryGain();
     void gainLeavesOddByte();
     void level_data();
     void level();
@@ -84,6 +85,23 @@ void TestPcm::gain()
     QByteArray pcm = bytesOf(in);
     Pcm::applyGain(pcm, percent);
     QCOMPARE(samplesOf(pcm), out);
+}
+
+void TestPcm::everySampleAtEveryOrdinaryGain()
+{
+    constexpr int kSamples = 65536;
+    QByteArray all(kSamples * Pcm::kBytesPerSample, Qt::Uninitialized);
+    for (int i = 0; i < kSamples; ++i)
+        Pcm::samples(all)[i] = static_cast<qint16>(i - 32768);
+    for (const int percent :
+         {1, 3, 7, 49, 50, 51, 80, 99, 101, 120, 150, 199, 200, 333, 511, 512, 513, 1000, -1, -77}) {
+        QByteArray scaled = all;
+        Pcm::applyGain(scaled, percent);
+        int wrong = 0;
+        for (int i = 0; i < kSamples; ++i)
+            wrong += Pcm::samples(qAsConst(scaled))[i] != qBound(-32768, (i - 32768) * percent / 100, 32767);
+        QVERIFY2(wrong == 0, qPrintable(QStringLiteral("%1 samples at %2 %").arg(wrong).arg(percent)));
+    }
 }
 
 void TestPcm::gainLeavesOddByte()

@@ -49,6 +49,8 @@ private slots:
     void styleSheetHasNoUnknownRole_data();
     void styleSheetHasNoUnknownRole();
     void appliesPaletteAndStyleSheet();
+    void textsTakeTheirRole_data();
+    void textsTakeTheirRole();
     void goesBackToLight();
     void focusShows_data();
     void focusShows();
@@ -275,6 +277,29 @@ void ThemeTest::appliesPaletteAndStyleSheet()
     edit.resize(100, 40);
     const QImage dark = edit.grab().toImage();
     QCOMPARE(dark.pixelColor(50, 20), Theme::color(Role::Field, true));
+}
+
+void ThemeTest::textsTakeTheirRole_data()
+{
+    styleSheetHasNoUnknownRole_data();
+}
+
+void ThemeTest::textsTakeTheirRole()
+{
+    QFETCH(bool, dark);
+    Theme::apply(*qApp, dark);
+    QLineEdit edit;
+    QLabel label;
+    QSpinBox number;
+    edit.ensurePolished();
+    label.ensurePolished();
+    number.ensurePolished();
+    const QColor text = Theme::color(Role::Text, dark);
+    QCOMPARE(edit.palette().color(QPalette::Active, QPalette::Text), text);
+    QCOMPARE(edit.palette().color(QPalette::Active, QPalette::PlaceholderText), Theme::color(Role::Dim, dark));
+    QCOMPARE(edit.palette().color(QPalette::Disabled, QPalette::Text), Theme::color(Role::Disabled, dark));
+    QCOMPARE(number.palette().color(QPalette::Active, QPalette::Text), text);
+    QCOMPARE(label.palette().color(QPalette::Active, QPalette::WindowText), text);
 }
 
 void ThemeTest::goesBackToLight()

@@ -5,7 +5,9 @@
 
 #include <QApplication>
 #include <QHBoxLayout>
+#include <QHelpEvent>
 #include <QLabel>
+#include <QToolTip>
 
 class UserWidgetTest final : public QObject
 {
@@ -21,6 +23,8 @@ private slots:
     void transmittingRowHasPaleGround();
     void hostileNames_data();
     void hostileNames();
+    void cutNameHasToolTip_data();
+    void cutNameHasToolTip();
 };
 
 namespace {
@@ -198,6 +202,32 @@ void UserWidgetTest::hostileNames()
     QVERIFY(!plain.grab().isNull());
     QCOMPARE(label(row, "speakerIcon")->geometry(), label(plain, "speakerIcon")->geometry());
     QVERIFY(label(row, "nameLabel")->width() >= 120);
+}
+
+void UserWidgetTest::cutNameHasToolTip_data()
+{
+    QTest::addColumn<QString>("name");
+    QTest::addColumn<QString>("toolTip"); // what it holds
+    QTest::newRow("fits") << QStringLiteral("Budi") << QString();
+    QTest::newRow("cut") << QStringLiteral("Gunung ").repeated(20) << QStringLiteral("[YB0ABC]</div>");
+    QTest::newRow("cut, rich text") << QStringLiteral("<b>Gunung</b>").repeated(20)
+                                    << QStringLiteral("&lt;b&gt;Gunung");
+}
+
+void UserWidgetTest::cutNameHasToolTip()
+{
+    QFETCH(QString, name);
+    QFETCH(QString, toolTip);
+    UserWidget row(name, QStringLiteral("YB0ABC"), 7, false);
+    row.resize(300, 36);
+    row.show();
+    QToolTip::hideText();
+    QTRY_VERIFY(!QToolTip::isVisible());
+    QHelpEvent hover(QEvent::ToolTip, QPoint(10, 10), row.mapToGlobal(QPoint(100, 10)));
+    QCoreApplication::sendEvent(label(row, "nameLabel"), &hover);
+    QCOMPARE(QToolTip::isVisible(), !toolTip.isEmpty());
+    QVERIFY2(QToolTip::text().contains(toolTip), qPrintable(QToolTip::text()));
+    QToolTip::hideText();
 }
 
 EVOX_TEST_MAIN(UserWidgetTest, QApplication)

@@ -1,6 +1,7 @@
 #include "ui/room/RoomPanel.h"
 
 #include "ui/Theme.h"
+#include "ui/room/StationList.h"
 #include "ui/room/UserMenu.h"
 #include "ui/room/UserWidget.h"
 
@@ -13,6 +14,8 @@
 #include <QPushButton>
 #include <QVBoxLayout>
 
+#include <algorithm>
+
 namespace {
 
 constexpr int kSpacing = 4;
@@ -20,7 +23,7 @@ constexpr int kControlHeight = 30;
 constexpr int kStatusHeight = 36;
 constexpr int kMostStatusHeight = 96; // four lines; a longer room name is cut
 constexpr int kShortestSelector = 10; // characters
-constexpr int kMostStations = 2000;
+constexpr int kMostStations = 1000;
 
 QString noRooms()
 {

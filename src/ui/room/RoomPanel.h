@@ -1,7 +1,5 @@
 #pragma once
 
-#include "ui/room/StationList.h"
-
 #include <QList>
 #include <QMap>
 #include <QStringList>
@@ -13,6 +11,7 @@ class QHBoxLayout;
 class QLabel;
 class QListWidgetItem;
 class QPushButton;
+class StationList;
 class UserWidget;
 
 /// The room selector and the stations of the room. Owns no network state: the main window pushes into it.
@@ -34,7 +33,7 @@ public:
     void setRooms(const QStringList &rooms);
     void setCurrentRoom(const QString &room);
     /// Shows exactly these room user records, in this order, as if every row were made anew. Of records with the same
-    /// callsign the last one stays; of a list no room can have (more than 2000 stations) only the beginning.
+    /// callsign the last one stays; of a list no room can have (more than 1000 stations) only the beginning.
     void setUsers(const QList<QVariantMap> &users, const QString &ownCallsign);
     /// Empties the list. The mutes set with setUserMuted() are kept.
     void clearUsers();

@@ -53,7 +53,7 @@ StationList::StationList(QWidget *parent)
 
 UserWidget *StationList::userWidget(const QString &callsign) const
 {
-    return userWidget(m_items.value(callsign));
+    return m_rows.value(callsign).widget;
 }
 
 UserWidget *StationList::userWidget(const QListWidgetItem *item) const
@@ -71,39 +71,47 @@ void StationList::setStations(const QVector<Station> &stations)
         arrange(stations);
         restore(before);
     }
-    for (int row = 0; row < count(); ++row)
-        userWidget(item(row))->setSpeakerMuted(false);
+    for (const Row &row : qAsConst(m_rows))
+        row.widget->setSpeakerMuted(false);
 }
 
 void StationList::clearStations()
 {
     clear();
-    m_items.clear();
+    m_rows.clear();
 }
 
 void StationList::setState(const QString &callsign, bool transmitting, bool muted, bool approved)
 {
-    QListWidgetItem *item = m_items.value(callsign);
-    UserWidget *widget = userWidget(item);
-    if (!widget)
+    const Row row = m_rows.value(callsign);
+    if (!row.widget)
         return;
-    widget->setApproved(approved);
-    widget->setTransmitting(transmitting);
-    widget->setMicMuted(muted);
-    const bool isStyled =
-        item->data(TransmittingRole) == QVariant(transmitting) && item->data(ApprovedRole) == QVariant(approved);
+    row.widget->setApproved(approved);
+    row.widget->setTransmitting(transmitting);
+    row.widget->setMicMuted(muted);
+    writeState(row.item, transmitting, muted, approved);
+}
+
+void StationList::writeState(QListWidgetItem *item, bool transmitting, bool muted, bool approved)
+{
+    // Each changed value would have all rows laid out again, and none of them changes a row's size.
+    const QSignalBlocker quiet(model());
+    const bool isStyled = item->data(ApprovedRole).isValid() && item->data(ApprovedRole).toBool() == approved &&
+                          item->data(TransmittingRole).toBool() == transmitting;
     item->setData(ApprovedRole, approved);
     item->setData(MutedRole, muted);
     item->setData(TransmittingRole, transmitting);
-    if (!isStyled) // most of a list is as it was; styling lays the whole list out again
-        paintItem(item, transmitting, approved);
+    if (isStyled)
+        return;
+    paintItem(item, transmitting, approved);
+    update(indexFromItem(item));
 }
 
 bool StationList::rowShows(int row, const Station &station) const
 {
-    const UserWidget *widget = userWidget(item(row));
-    return widget && widget->callsign() == station.callsign && widget->displayName() == station.displayName &&
-           widget->userId() == station.userId && widget->isSelf() == station.isSelf;
+    const Row shown = m_rows.value(station.callsign);
+    return shown.item && shown.item == item(row) && shown.widget->displayName() == station.displayName &&
+           shown.widget->userId() == station.userId && shown.widget->isSelf() == station.isSelf;
 }
 
 StationList::View StationList::view() const
@@ -125,10 +133,10 @@ StationList::View StationList::view() const
 
 void StationList::restore(const View &view)
 {
-    QListWidgetItem *current = view.hasCurrent ? m_items.value(view.current) : nullptr;
+    QListWidgetItem *current = view.hasCurrent ? m_rows.value(view.current).item : nullptr;
     // Without this a removed row would hand the selection on to its neighbour, another station.
     setCurrentItem(current, view.isSelected ? QItemSelectionModel::ClearAndSelect : QItemSelectionModel::Clear);
-    QListWidgetItem *topmost = view.hasTopmost ? m_items.value(view.topmost) : nullptr;
+    QListWidgetItem *topmost = view.hasTopmost ? m_rows.value(view.topmost).item : nullptr;
     if (!topmost)
         return;
     doItemsLayout(); // else the scroll bar's range is still that of the former rows
@@ -154,7 +162,7 @@ void StationList::arrange(const QVector<Station> &stations)
             removeRow(row);
             continue;
         }
-        if (QListWidgetItem *elsewhere = m_items.value(station.callsign))
+        if (const QListWidgetItem *elsewhere = m_rows.value(station.callsign).item)
             removeRow(this->row(elsewhere));
         insertRow(row, station);
     }
@@ -165,13 +173,14 @@ void StationList::insertRow(int row, const Station &station)
     auto *item = new QListWidgetItem;
     item->setSizeHint(QSize(0, kRowHeight)); // as wide as the list, whatever a name would like
     insertItem(row, item);
-    setItemWidget(item, new UserWidget(station.displayName, station.callsign, station.userId, station.isSelf, this));
-    m_items.insert(station.callsign, item);
+    auto *widget = new UserWidget(station.displayName, station.callsign, station.userId, station.isSelf, this);
+    setItemWidget(item, widget);
+    m_rows.insert(station.callsign, {item, widget});
 }
 
 void StationList::removeRow(int row)
 {
     if (const UserWidget *widget = userWidget(item(row)))
-        m_items.remove(widget->callsign());
+        m_rows.remove(widget->callsign());
     delete takeItem(row);
 }

@@ -42,13 +42,19 @@ public:
 
 private:
     struct View;
+    struct Row
+    {
+        QListWidgetItem *item = nullptr;
+        UserWidget *widget = nullptr;
+    };
 
     [[nodiscard]] bool rowShows(int row, const Station &station) const;
+    void writeState(QListWidgetItem *item, bool transmitting, bool muted, bool approved);
     [[nodiscard]] View view() const;
     void restore(const View &view);
     void arrange(const QVector<Station> &stations);
     void insertRow(int row, const Station &station);
     void removeRow(int row);
 
-    QMap<QString, QListWidgetItem *> m_items; ///< by callsign
+    QMap<QString, Row> m_rows; ///< by callsign
 };

@@ -99,6 +99,8 @@ QString UserWidget::nameText() const
 
 void UserWidget::setFlag(bool Flags::*flag, bool value)
 {
+    if (m_flags.*flag == value) // most of a long list stays as it is from one over to the next
+        return;
     m_flags.*flag = value;
     refresh();
 }

@@ -14,7 +14,7 @@ namespace {
 constexpr int kLogoHeight = 90;
 constexpr int kLogoSide = 80;
 constexpr int kUnitsPerKilo = 1000;
-constexpr int kLeastWidth = 250;
+constexpr int kLeastWidth = 300;
 
 QString orDash(const QString &value)
 {

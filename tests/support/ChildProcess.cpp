@@ -1,0 +1,140 @@
+#include "support/ChildProcess.h"
+
+#include "support/Wait.h"
+
+#include <QDebug>
+#include <QElapsedTimer>
+#include <QFileInfo>
+
+#include <algorithm>
+#include <csignal>
+#include <sys/prctl.h>
+#include <unistd.h>
+
+namespace {
+
+constexpr std::chrono::milliseconds kPoliteEnd{3000};
+constexpr std::chrono::milliseconds kShortProgram{20000};
+constexpr int kMaxLogLines = 100000;
+constexpr int kPrintedLines = 60;
+
+} // namespace
+
+ChildProcess::ChildProcess(QObject *parent)
+    : QProcess(parent)
+{
+    connect(this, &QProcess::readyReadStandardError, this, &ChildProcess::readLog);
+    setProcessEnvironment(plainEnvironment());
+}
+
+ChildProcess::~ChildProcess()
+{
+    end();
+}
+
+QProcessEnvironment ChildProcess::plainEnvironment()
+{
+    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+    for (const char *name : {"LD_PRELOAD", "QT_QPA_PLATFORM", "DBUS_SESSION_BUS_ADDRESS", "PULSE_SERVER",
+                             "ALSA_CONFIG_PATH", "WAYLAND_DISPLAY", "SIMSERIAL"})
+        environment.remove(QString::fromLatin1(name));
+    return environment;
+}
+
+QByteArray ChildProcess::outputOf(const QString &program, const QStringList &arguments,
+                                  const QProcessEnvironment &environment)
+{
+    ChildProcess child;
+    child.setProcessEnvironment(environment);
+    if (!child.begin(program, arguments) || !child.waitForEnd(kShortProgram))
+        return {};
+    if (child.exitStatus() != NormalExit || child.exitCode() != 0)
+        return {};
+    const QByteArray output = child.readAllStandardOutput();
+    return output.isNull() ? QByteArray("") : output;
+}
+
+bool ChildProcess::begin(const QString &program, const QStringList &arguments)
+{
+    m_rest.clear();
+    m_log.clear();
+    start(program, arguments);
+    if (waitForStarted())
+        return true;
+    qWarning().noquote() << "cannot start" << program << errorString();
+    return false;
+}
+
+void ChildProcess::setupChildProcess()
+{
+    setpgid(0, 0);
+    prctl(PR_SET_PDEATHSIG, SIGKILL);
+}
+
+void ChildProcess::signalGroup(int signal) const
+{
+    if (isRunning() && processId() > 0)
+        ::kill(-static_cast<pid_t>(processId()), signal);
+}
+
+void ChildProcess::end()
+{
+    signalGroup(SIGTERM);
+    if (isRunning() && !waitForFinished(static_cast<int>(kPoliteEnd.count())))
+        killNow();
+}
+
+void ChildProcess::killNow()
+{
+    signalGroup(SIGKILL);
+    if (isRunning())
+        waitForFinished();
+}
+
+void ChildProcess::readLog()
+{
+    m_rest += readAllStandardError();
+    int begin = 0;
+    for (int end = m_rest.indexOf('\n'); end >= 0; end = m_rest.indexOf('\n', begin)) {
+        if (m_log.size() < kMaxLogLines)
+            m_log.append(QString::fromUtf8(m_rest.mid(begin, end - begin)));
+        begin = end + 1;
+    }
+    m_rest.remove(0, begin);
+}
+
+int ChildProcess::count(const QString &beginning) const
+{
+    return static_cast<int>(std::count_if(m_log.cbegin(), m_log.cend(),
+                                          [&beginning](const QString &line) { return line.startsWith(beginning); }));
+}
+
+QString ChildProcess::lastLine(const QString &beginning) const
+{
+    const auto found = std::find_if(m_log.crbegin(), m_log.crend(),
+                                    [&beginning](const QString &line) { return line.startsWith(beginning); });
+    return found == m_log.crend() ? QString() : *found;
+}
+
+bool ChildProcess::waitForLog(const QString &beginning, int count, std::chrono::milliseconds timeout) const
+{
+    const auto written = [this, &beginning, count] { return this->count(beginning) >= count; };
+    if (waitFor([this, written] { return written() || !isRunning(); }, timeout) && written())
+        return true;
+    if (!wasInterrupted()) {
+        qWarning().noquote() << QFileInfo(program()).fileName() << "did not write" << count << "times" << beginning;
+        printLog();
+    }
+    return false;
+}
+
+bool ChildProcess::waitForEnd(std::chrono::milliseconds timeout) const
+{
+    return waitFor([this] { return !isRunning(); }, timeout);
+}
+
+void ChildProcess::printLog() const
+{
+    for (const QString &line : m_log.mid(std::max(0, m_log.size() - kPrintedLines)))
+        qInfo().noquote() << "   |" << line;
+}

@@ -1,0 +1,54 @@
+#pragma once
+
+#include <QProcess>
+#include <QStringList>
+
+#include <chrono>
+
+/// A program that runs beside the test and never outlives it: it leads a process group of its own, which ends with this
+/// object, and the system kills it when the test itself is killed. Its standard error is kept line by line.
+class ChildProcess final : public QProcess
+{
+    Q_OBJECT
+
+public:
+    explicit ChildProcess(QObject *parent = nullptr);
+    ~ChildProcess() override;
+
+    /// What this process has, without the settings that tie it to a desktop session, a screen or a sound server.
+    [[nodiscard]] static QProcessEnvironment plainEnvironment();
+    /// Runs a short program to its end while the event loop goes on; its standard output, or a null array when it
+    /// failed or is missing.
+    [[nodiscard]] static QByteArray outputOf(const QString &program, const QStringList &arguments,
+                                             const QProcessEnvironment &environment = plainEnvironment());
+
+    /// False, with a warning that says why, when the program cannot be started.
+    [[nodiscard]] bool begin(const QString &program, const QStringList &arguments = {});
+    [[nodiscard]] bool isRunning() const { return state() != NotRunning; }
+    /// Asks the group to end and kills it when it has not after three seconds.
+    void end();
+    /// Kills the group at once.
+    void killNow();
+
+    [[nodiscard]] const QStringList &log() const { return m_log; }
+    [[nodiscard]] int count(const QString &beginning) const;
+    /// The last line that begins so; empty when there is none.
+    [[nodiscard]] QString lastLine(const QString &beginning) const;
+    /// Waits for so many lines that begin so, from the program's start on; false, after printing the log's end, when
+    /// they do not come or the program ends.
+    [[nodiscard]] bool waitForLog(const QString &beginning, int count = 1,
+                                  std::chrono::milliseconds timeout = std::chrono::seconds(30)) const;
+    [[nodiscard]] bool waitForEnd(std::chrono::milliseconds timeout = std::chrono::seconds(30)) const;
+    /// Prints the last lines of the log, for whoever reads a failed test.
+    void printLog() const;
+
+protected:
+    void setupChildProcess() override;
+
+private:
+    void signalGroup(int signal) const;
+    void readLog();
+
+    QByteArray m_rest;
+    QStringList m_log;
+};

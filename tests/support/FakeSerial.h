@@ -1,0 +1,75 @@
+#pragma once
+
+#include <QByteArray>
+#include <QObject>
+#include <QString>
+#include <QTemporaryDir>
+#include <QTimer>
+#include <QVector>
+
+#include <chrono>
+
+class QProcessEnvironment;
+struct SimSerialState;
+
+/// A serial port with modem lines that the test holds the other end of: a pseudo terminal, and a library that answers
+/// for its lines in whatever program it is preloaded into. Lives in the thread of an event loop.
+class FakeSerial final : public QObject
+{
+    Q_OBJECT
+    Q_DISABLE_COPY_MOVE(FakeSerial)
+
+public:
+    enum class Line { Cts, Dcd, Dsr };
+
+    /// The lines that the program drives, from this moment on.
+    struct Edge
+    {
+        std::chrono::nanoseconds time; ///< monotonic clock, as std::chrono::steady_clock
+        bool rts = false;
+        bool dtr = false;
+    };
+
+    /// The port has a name that no other port of this machine has now. Every line is low.
+    explicit FakeSerial(QObject *parent = nullptr);
+    ~FakeSerial() override;
+
+    [[nodiscard]] QString portName() const { return m_name; }
+    /// Lists the port in this process, which runs with the library preloaded, until it is pulled or destroyed. Once.
+    void plugIn();
+    /// Lists the port, alone, in a child process.
+    void addTo(QProcessEnvironment &environment) const;
+    /// The adapter is gone for whoever has it open, and no longer listed.
+    void pull();
+
+    /// What the radio does.
+    void set(Line line, bool high);
+    /// The line reads inverted the next `reads` times.
+    void flip(Line line, int reads);
+
+    [[nodiscard]] bool isOpen() const;
+    [[nodiscard]] bool rts() const;
+    [[nodiscard]] bool dtr() const;
+    /// Every change since the port was made; the last 1024 of them.
+    [[nodiscard]] QVector<Edge> edges() const;
+    /// How often the program has read the lines.
+    [[nodiscard]] int reads() const;
+    /// Data bytes that the program sent.
+    [[nodiscard]] QByteArray written() const { return m_written; }
+
+    /// Waits while the event loop runs; false when RTS is not so in time.
+    [[nodiscard]] bool waitForRts(bool high, std::chrono::milliseconds timeout = std::chrono::seconds(10)) const;
+
+private:
+    [[nodiscard]] QByteArray listEntry() const;
+    void openTerminal();
+    void createState(const QString &terminal);
+    void watch();
+
+    QTemporaryDir m_folder;
+    QString m_name;
+    int m_master = -1;
+    SimSerialState *m_state = nullptr;
+    QByteArray m_written;
+    QTimer m_watch;
+};

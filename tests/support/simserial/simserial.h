@@ -1,0 +1,36 @@
+#ifndef EVOX_SIMSERIAL_H
+#define EVOX_SIMSERIAL_H
+
+/* What a simulated serial port's test and the program that opens it share: one file, mapped by both. Fields are read
+   and written atomically, except what the test fills in before it lists the port. */
+
+#include <stdint.h>
+
+#define SIMSERIAL_MAGIC 0x324d4953u /* "SIM2" */
+#define SIMSERIAL_EDGES 1024
+/* NAME=STATEFILE[:NAME=STATEFILE…], read at every open and every enumeration. */
+#define SIMSERIAL_VARIABLE "SIMSERIAL"
+
+struct SimSerialEdge
+{
+    uint64_t nanoseconds; /* CLOCK_MONOTONIC */
+    uint32_t outputs;     /* TIOCM_RTS | TIOCM_DTR after the edge */
+    uint32_t process;     /* who made it; 0: the system, at the last close */
+};
+
+struct SimSerialState
+{
+    uint32_t magic;
+    uint32_t inputs;        /* TIOCM_CTS | TIOCM_CD | TIOCM_DSR, set by the test */
+    uint32_t outputs;       /* TIOCM_RTS | TIOCM_DTR, set by the program */
+    uint32_t edgeCount;     /* edges so far; the ring keeps the last SIMSERIAL_EDGES */
+    uint32_t readCount;     /* times the program read the lines */
+    uint32_t openCount;     /* descriptors open now */
+    uint32_t flippedInputs; /* lines that read inverted … */
+    uint32_t flippedReads;  /* … for this many reads to come */
+    uint64_t device;        /* st_rdev of the terminal; 0: the adapter was pulled */
+    char terminal[64];
+    struct SimSerialEdge edges[SIMSERIAL_EDGES];
+};
+
+#endif
