@@ -1,0 +1,206 @@
+// Login, the own account, and who is there.
+
+#include "server/AudioPresets.h"
+#include "server/Command.h"
+#include "server/ControlServer.h"
+#include "server/Passwords.h"
+#include "server/Session.h"
+#include "server/UserRecords.h"
+
+#include <QDate>
+#include <QDateTime>
+#include <QJsonDocument>
+
+namespace {
+
+constexpr int kTokenBytes = 24;
+constexpr int kExpiryWarningDays = 30;
+constexpr int kShortestPassword = 6;
+constexpr int kLongestHwid = 128;
+
+QString compact(const QJsonObject &object)
+{
+    return QString::fromUtf8(QJsonDocument(object).toJson(QJsonDocument::Compact));
+}
+
+bool isExpired(const Account &account)
+{
+    const QDate expiry = QDate::fromString(account.expiry, Qt::ISODate);
+    return expiry.isValid() && expiry < QDate::currentDate();
+}
+
+QString expiryWarning(const Account &account)
+{
+    const QDate expiry = QDate::fromString(account.expiry, Qt::ISODate);
+    const qint64 days = QDate::currentDate().daysTo(expiry);
+    return expiry.isValid() && days <= kExpiryWarningDays
+               ? QStringLiteral("Izin radio berakhir %1 (%2 hari lagi)").arg(account.expiry).arg(days)
+               : QString();
+}
+
+} // namespace
+
+void ControlServer::ping(Session &session, const Command &command)
+{
+    Q_UNUSED(command)
+    session.send(QStringLiteral("PONG"));
+}
+
+void ControlServer::quit(Session &session, const Command &command)
+{
+    Q_UNUSED(command)
+    session.close();
+}
+
+void ControlServer::login(Session &session, const Command &command)
+{
+    const auto refuse = [&session](const QString &reason) { session.send(QStringLiteral("LOGIN_FAILED|") + reason); };
+    if (!m_guard.mayTry(session.address(), m_clock())) {
+        refuse(QStringLiteral("Terlalu banyak percobaan login, coba lagi nanti"));
+        return;
+    }
+    const QString hwid = command.argument(2).left(kLongestHwid);
+    auto account = m_store->account(command.argument(0).toUpper());
+    const QString refusal =
+        account ? refusalFor(&*account, command.argument(1), hwid) : QStringLiteral("Callsign tidak terdaftar");
+    if (!refusal.isEmpty()) {
+        m_guard.failed(session.address(), m_clock());
+        refuse(refusal);
+        return;
+    }
+    signOff(session); // one connection, one account
+    completeLogin(session, *account, hwid);
+}
+
+/// Why the account may not log in, in the words that clients know; empty when it may.
+QString ControlServer::refusalFor(Account *account, const QString &password, const QString &hwid)
+{
+    if (!Passwords::matches(account->passwordHash, password))
+        return QStringLiteral("Password salah");
+    if (account->status == QLatin1String("banned"))
+        return QStringLiteral("Akun dibanned");
+    if (account->status == QLatin1String("suspended") || isExpired(*account))
+        return QStringLiteral("Akun disuspend");
+    if (!account->hwid.isEmpty() && account->hwid != hwid)
+        return QStringLiteral("Perangkat ini tidak terdaftar untuk akun Anda");
+    const Session *active = sessionOf(account->id);
+    if (active && active->hwid() != hwid)
+        return QStringLiteral("Akun sedang digunakan di perangkat lain");
+    return {};
+}
+
+void ControlServer::completeLogin(Session &session, Account account, const QString &hwid)
+{
+    // The same device again: its old connection died unnoticed.
+    if (Session *old = sessionOf(account.id)) {
+        signOff(*old);
+        old->close();
+    }
+    if (account.hwid.isEmpty())
+        account.hwid = hwid;
+    account.lastLogin = QDateTime::currentDateTimeUtc().toString(Qt::ISODate);
+    store(account);
+    session.logIn(account, hwid);
+    const QByteArray token = Passwords::randomBytes(kTokenBytes).toHex();
+    m_relay.addMember(account.id, token);
+    audit(session, QStringLiteral("logged in"));
+    session.send(QStringList{QStringLiteral("LOGIN_OK"), QString::fromLatin1(token), account.callsign,
+                             account.admin ? QStringLiteral("True") : QStringLiteral("False"),
+                             QString::number(account.id), account.name, expiryWarning(account)}
+                     .join(QLatin1Char('|')));
+    sendServerInfo();
+}
+
+void ControlServer::getProfile(Session &session, const Command &command)
+{
+    Q_UNUSED(command)
+    session.send(QStringLiteral("USER_PROFILE|") + compact(userRecord(session.account(), true)));
+}
+
+void ControlServer::getInfo(Session &session, const Command &command)
+{
+    const auto account = m_store->account(command.argument(0).toUpper());
+    if (!account) {
+        session.send(QStringLiteral("ERROR|Callsign tidak ditemukan"));
+        return;
+    }
+    QJsonObject record = userRecord(*account, sessionOf(account->id) != nullptr);
+    if (!session.account().admin && account->id != session.account().id) {
+        for (const char *key : {"registered_hwid", "email", "whatsapp", "last_login"})
+            record.remove(QLatin1String(key)); // theirs to share, not the server's
+    }
+    session.send(QStringLiteral("USER_INFO_RESULT|") + compact(record));
+}
+
+void ControlServer::changePassword(Session &session, const Command &command)
+{
+    const auto fail = [&session](const QString &reason) {
+        session.send(QStringLiteral("USER_CHANGE_PASSWORD_FAIL|") + reason);
+    };
+    Account account = session.account();
+    if (!m_guard.mayTry(session.address(), m_clock())) {
+        fail(QStringLiteral("Terlalu banyak percobaan, coba lagi nanti"));
+    } else if (!Passwords::matches(account.passwordHash, command.argument(0))) {
+        m_guard.failed(session.address(), m_clock());
+        fail(QStringLiteral("Password lama salah"));
+    } else if (command.argument(1).size() < kShortestPassword) {
+        fail(QStringLiteral("Password minimal %1 karakter").arg(kShortestPassword));
+    } else {
+        account.passwordHash = Passwords::hash(command.argument(1));
+        store(account);
+        audit(session, QStringLiteral("changed the password"));
+        session.send(QStringLiteral("USER_CHANGE_PASSWORD_OK"));
+    }
+}
+
+void ControlServer::requestDeviceReset(Session &session, const Command &command)
+{
+    if (!m_guard.mayTry(session.address(), m_clock())) {
+        session.send(QStringLiteral("ERROR|Terlalu banyak percobaan, coba lagi nanti"));
+        return;
+    }
+    const QString callsign = session.isLoggedIn() ? session.account().callsign : command.argument(0).toUpper();
+    auto account = m_store->account(callsign);
+    if (!session.isLoggedIn())
+        m_guard.failed(session.address(), m_clock()); // anybody may ask, but not without end
+    if (account && !account->resetRequested) {
+        account->resetRequested = true;
+        store(*account);
+        for (Session *other : qAsConst(m_sessions)) {
+            if (other->isLoggedIn() && other->account().admin)
+                other->send(QStringLiteral("ADMIN_NOTIFICATION|HWID_RESET_REQUEST|%1|%2")
+                                .arg(account->callsign)
+                                .arg(account->id));
+        }
+    }
+    session.send(QStringLiteral("USER_REQUEST_HWID_RESET_OK"));
+}
+
+void ControlServer::getQuality(Session &session, const Command &command)
+{
+    Q_UNUSED(command)
+    sendQuality(session);
+}
+
+void ControlServer::onlineUsers(Session &session, const Command &command)
+{
+    Q_UNUSED(command)
+    QStringList entries;
+    for (const Session *other : qAsConst(m_sessions)) {
+        if (!other->isLoggedIn())
+            continue;
+        const Account &account = other->account();
+        entries.append(QStringList{QString::number(account.id), account.callsign, account.name,
+                                   other->room() ? other->room()->name : QString(),
+                                   account.admin ? QStringLiteral("True") : QStringLiteral("False")}
+                           .join(QLatin1Char(',')));
+    }
+    session.send(QStringLiteral("ONLINE_USERS|") + entries.join(QLatin1Char(';')));
+}
+
+/// New gateways are entered by the operator of the server with add-user; applications by network are not taken yet.
+void ControlServer::registerGateway(Session &session, const Command &command)
+{
+    Q_UNUSED(command)
+    session.send(QStringLiteral("REGISTER_FAILED|Pendaftaran lewat jaringan belum tersedia di server ini"));
+}

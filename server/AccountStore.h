@@ -1,0 +1,79 @@
+#pragma once
+
+#include <QByteArray>
+#include <QDate>
+#include <QList>
+#include <QSqlDatabase>
+#include <QString>
+#include <QStringList>
+
+#include <optional>
+
+class QSqlQuery;
+
+/// One account. Texts are clean (see cleanText()).
+struct Account
+{
+    int id = 0;
+    QString callsign; ///< in capitals, unique
+    QByteArray passwordHash;
+    QString gatewayName;
+    QString name; ///< the person responsible
+    QString responsibleCallsign;
+    QString frequency;
+    QString location;
+    QString email;
+    QString whatsapp;
+    QString status = QStringLiteral("active"); ///< active, pending, suspended, banned
+    bool approved = false;                     ///< may transmit
+    bool admin = false;
+    QString expiry; ///< of the radio permit, yyyy-MM-dd; empty: none
+    QString hwid;   ///< the device the account is bound to; empty: not yet
+    bool resetRequested = false;
+    QString lastLogin; ///< ISO 8601, UTC
+};
+
+/// One room as it is stored.
+struct StoredRoom
+{
+    QString name;
+    int maximum = 0; ///< members; 0: no limit
+};
+
+/// Accounts, rooms and settings in one SQLite file. Every call reads or writes it at once.
+class AccountStore final
+{
+public:
+    AccountStore();
+    ~AccountStore();
+    Q_DISABLE_COPY_MOVE(AccountStore)
+
+    /// Opens or creates the file and brings its tables up to date; otherwise says why not.
+    [[nodiscard]] bool open(const QString &path, QString *error);
+
+    [[nodiscard]] std::optional<Account> account(const QString &callsign) const;
+    [[nodiscard]] std::optional<Account> account(int id) const;
+    [[nodiscard]] QList<Account> accounts() const; ///< by id
+    /// Adds the account and sets its id; false when the callsign is taken.
+    [[nodiscard]] bool add(Account *account);
+    [[nodiscard]] bool update(const Account &account); ///< by its id
+    [[nodiscard]] bool remove(int id);
+
+    [[nodiscard]] QList<StoredRoom> rooms() const; ///< in their order
+    [[nodiscard]] bool addRoom(const StoredRoom &room);
+    [[nodiscard]] bool editRoom(const QString &oldName, const StoredRoom &room);
+    [[nodiscard]] bool removeRoom(const QString &name);
+    /// Rooms that are not named keep their order behind the named ones.
+    [[nodiscard]] bool setRoomOrder(const QStringList &names);
+
+    [[nodiscard]] QString setting(const QString &key) const;
+    [[nodiscard]] bool setSetting(const QString &key, const QString &value);
+
+private:
+    [[nodiscard]] bool migrate(QString *error);
+    [[nodiscard]] QSqlQuery prepared(const QString &sql) const;
+    [[nodiscard]] std::optional<Account> first(QSqlQuery *query) const;
+
+    QString m_connection;
+    QSqlDatabase m_database;
+};

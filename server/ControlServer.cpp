@@ -1,0 +1,180 @@
+#include "server/ControlServer.h"
+
+#include "server/AudioPresets.h"
+#include "server/Command.h"
+#include "server/Session.h"
+
+#include <QDebug>
+#include <QElapsedTimer>
+#include <QHostAddress>
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QTcpSocket>
+
+#include <chrono>
+
+namespace {
+
+constexpr std::chrono::milliseconds kTalkCheck{1000};
+constexpr int kMostConnections = 2000;
+
+qint64 steadyMilliseconds()
+{
+    static const QElapsedTimer clock = [] {
+        QElapsedTimer timer;
+        timer.start();
+        return timer;
+    }();
+    return clock.elapsed();
+}
+
+} // namespace
+
+ControlServer::ControlServer(AccountStore *store, QObject *parent)
+    : QObject(parent)
+    , m_store(store)
+    , m_clock(steadyMilliseconds)
+{
+    connect(&m_tcp, &QTcpServer::newConnection, this, &ControlServer::onNewConnection);
+    connect(&m_talkTimer, &QTimer::timeout, this, &ControlServer::enforceTalkLimit);
+    m_talkTimer.start(kTalkCheck);
+}
+
+ControlServer::~ControlServer()
+{
+    for (Session *session : qAsConst(m_sessions))
+        session->disconnect(this);
+}
+
+bool ControlServer::start(const Options &options, QString *error)
+{
+    for (const QString &name : options.rooms) {
+        const QString clean = cleanText(name);
+        if (!clean.isEmpty())
+            static_cast<void>(m_store->addRoom({clean, 0})); // one that is there stays as it is
+    }
+    loadRooms();
+    if (!m_tcp.listen(QHostAddress(options.address), options.port)) {
+        *error = m_tcp.errorString();
+        return false;
+    }
+    return m_relay.open(options.address, options.udpPort, error);
+}
+
+void ControlServer::onNewConnection()
+{
+    while (QTcpSocket *socket = m_tcp.nextPendingConnection()) {
+        if (m_sessions.size() >= kMostConnections) {
+            delete socket;
+            continue;
+        }
+        auto *session = new Session(socket, this);
+        m_sessions.append(session);
+        connect(session, &Session::lineReceived, this,
+                [this, session](const QString &line) { onLine(*session, line); });
+        connect(session, &Session::closed, this, [this, session] { onClosed(session); });
+        session->send(QStringLiteral("ROIP SERVER READY"));
+    }
+}
+
+void ControlServer::onLine(Session &session, const QString &line)
+{
+    const Command command(line);
+    const Row row = commandTable().value(command.word());
+    if (!row.handler)
+        session.send(QStringLiteral("ERROR|Perintah tidak dikenal: ") + cleanText(command.word(), 40));
+    else if (row.access != Access::Anyone && !session.isLoggedIn())
+        session.send(QStringLiteral("ERROR|Belum login"));
+    else if (row.access == Access::Admin && !session.account().admin)
+        session.send(QStringLiteral("ERROR|Hanya untuk administrator"));
+    else
+        (this->*row.handler)(session, command);
+}
+
+void ControlServer::onClosed(Session *session)
+{
+    m_sessions.removeOne(session);
+    session->disconnect(this);
+    signOff(*session);
+    session->deleteLater();
+}
+
+Session *ControlServer::sessionOf(int userId) const
+{
+    for (Session *session : m_sessions) {
+        if (session->isLoggedIn() && session->account().id == userId)
+            return session;
+    }
+    return nullptr;
+}
+
+Session *ControlServer::sessionOf(const QString &callsign) const
+{
+    for (Session *session : m_sessions) {
+        if (session->isLoggedIn() && session->account().callsign == callsign)
+            return session;
+    }
+    return nullptr;
+}
+
+void ControlServer::signOff(Session &session)
+{
+    if (!session.isLoggedIn())
+        return;
+    audit(session, QStringLiteral("signed off"));
+    leaveRoom(session);
+    m_relay.removeMember(session.account().id);
+    session.logOut();
+    sendServerInfo();
+}
+
+void ControlServer::sendToAll(const QString &line)
+{
+    for (Session *session : qAsConst(m_sessions)) {
+        if (session->isLoggedIn())
+            session->send(line);
+    }
+}
+
+void ControlServer::sendServerInfo()
+{
+    int online = 0;
+    int admins = 0;
+    int gateways = 0;
+    for (const Session *session : qAsConst(m_sessions)) {
+        if (!session->isLoggedIn())
+            continue;
+        ++online;
+        if (session->account().admin)
+            ++admins;
+        else if (!session->account().gatewayName.isEmpty())
+            ++gateways;
+    }
+    const AudioPreset &preset = AudioPresets::find(m_store->setting(QStringLiteral("audio_preset")));
+    const QJsonObject info{{QStringLiteral("total_rooms"), int(m_rooms.size())},
+                           {QStringLiteral("online_users"), online},
+                           {QStringLiteral("online_admins"), admins},
+                           {QStringLiteral("online_gateways"), gateways},
+                           {QStringLiteral("encryption"), QStringLiteral("XSalsa20-Poly1305")},
+                           {QStringLiteral("audio_codec"), QStringLiteral("Opus")},
+                           {QStringLiteral("audio_preset"), preset.name},
+                           {QStringLiteral("audio_bitrate"), preset.bitrate},
+                           {QStringLiteral("audio_sample_rate"), preset.sampleRate}};
+    sendToAll(QStringLiteral("SERVER_INFO|") + QString::fromUtf8(QJsonDocument(info).toJson(QJsonDocument::Compact)));
+}
+
+void ControlServer::sendQuality(Session &session)
+{
+    const AudioPreset &preset = AudioPresets::find(m_store->setting(QStringLiteral("audio_preset")));
+    session.send(QStringLiteral("AUDIO_QUALITY|%1|%2|%3|%4|%5")
+                     .arg(preset.name)
+                     .arg(preset.bitrate)
+                     .arg(preset.sampleRate)
+                     .arg(preset.frameDuration)
+                     .arg(preset.complexity));
+}
+
+void ControlServer::audit(const Session &session, const QString &text) const
+{
+    qInfo().noquote() << session.account().callsign << session.address() << text;
+}

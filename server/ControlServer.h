@@ -1,0 +1,133 @@
+#pragma once
+
+#include "server/AccountStore.h"
+#include "server/LoginGuard.h"
+#include "server/Room.h"
+#include "server/UdpRelay.h"
+
+#include <QHash>
+#include <QList>
+#include <QObject>
+#include <QStringList>
+#include <QTcpServer>
+#include <QTimer>
+
+#include <functional>
+#include <memory>
+#include <vector>
+
+class Command;
+class Session;
+
+/// The companion server: accounts, rooms and the relay of their audio. One event loop.
+class ControlServer final : public QObject
+{
+    Q_OBJECT
+    Q_DISABLE_COPY_MOVE(ControlServer)
+
+public:
+    struct Options
+    {
+        QString address = QStringLiteral("::"); ///< a literal address to listen on
+        quint16 port = 8080;                    ///< TCP; 0: any
+        quint16 udpPort = 8082;                 ///< 0: any
+        QStringList rooms;                      ///< made where missing
+    };
+    /// How long one talker may hold a room.
+    static constexpr qint64 kTalkLimit = 300000; // milliseconds
+
+    /// The store is open and outlives the server.
+    explicit ControlServer(AccountStore *store, QObject *parent = nullptr);
+    ~ControlServer() override;
+
+    /// False, with the reason, when a port cannot be had.
+    [[nodiscard]] bool start(const Options &options, QString *error);
+    [[nodiscard]] quint16 port() const { return m_tcp.serverPort(); }
+    [[nodiscard]] quint16 udpPort() const { return m_relay.port(); }
+    /// A steady clock in milliseconds, for tests.
+    void setClock(std::function<qint64()> clock) { m_clock = std::move(clock); }
+    /// Ends overs that last too long; runs by itself every second.
+    void enforceTalkLimit();
+
+private:
+    enum class Access { Anyone, Member, Admin };
+    using Handler = void (ControlServer::*)(Session &, const Command &);
+    struct Row
+    {
+        Handler handler = nullptr;
+        Access access = Access::Anyone;
+    };
+    [[nodiscard]] static const QHash<QString, Row> &commandTable(); // CommandTable.cpp
+
+    // ControlServer.cpp
+    void onNewConnection();
+    void onLine(Session &session, const QString &line);
+    void onClosed(Session *session);
+    [[nodiscard]] Session *sessionOf(int userId) const;
+    [[nodiscard]] Session *sessionOf(const QString &callsign) const;
+    void signOff(Session &session);
+    void sendToAll(const QString &line);
+    void sendServerInfo();
+    void sendQuality(Session &session);
+    void audit(const Session &session, const QString &text) const;
+
+    // AccountCommands.cpp
+    void ping(Session &session, const Command &command);
+    void quit(Session &session, const Command &command);
+    void login(Session &session, const Command &command);
+    [[nodiscard]] QString refusalFor(Account *account, const QString &password, const QString &hwid);
+    void completeLogin(Session &session, Account account, const QString &hwid);
+    void getProfile(Session &session, const Command &command);
+    void getInfo(Session &session, const Command &command);
+    void changePassword(Session &session, const Command &command);
+    void requestDeviceReset(Session &session, const Command &command);
+    void getQuality(Session &session, const Command &command);
+    void onlineUsers(Session &session, const Command &command);
+    void registerGateway(Session &session, const Command &command);
+
+    // RoomCommands.cpp
+    void rooms(Session &session, const Command &command);
+    void join(Session &session, const Command &command);
+    void leave(Session &session, const Command &command);
+    void startTransmission(Session &session, const Command &command);
+    void stopTransmission(Session &session, const Command &command);
+    [[nodiscard]] Room *findRoom(const QString &name) const;
+    [[nodiscard]] QString roomsLine() const;
+    void loadRooms();
+    void enter(Session &session, Room &room);
+    void leaveRoom(Session &session);
+    void releaseTalk(Room &room);
+    void renewKey(Room &room);
+    void sendUserList(const Room &room);
+
+    // AdminCommands.cpp
+    void allUsers(Session &session, const Command &command);
+    void pendingUsers(Session &session, const Command &command);
+    void approve(Session &session, const Command &command);
+    void unapprove(Session &session, const Command &command);
+    void setApproved(Session &session, const Command &command, bool approved);
+    void kick(Session &session, const Command &command);
+    void ban(Session &session, const Command &command);
+    void mute(Session &session, const Command &command);
+    void move(Session &session, const Command &command);
+    void updateUser(Session &session, const Command &command);
+    void resetDevice(Session &session, const Command &command);
+    void resetPassword(Session &session, const Command &command);
+    void deleteUser(Session &session, const Command &command);
+    void setQuality(Session &session, const Command &command);
+    void createRoom(Session &session, const Command &command);
+    void editRoom(Session &session, const Command &command);
+    void deleteRoom(Session &session, const Command &command);
+    void setRoomOrder(Session &session, const Command &command);
+    void removeFromRoom(Session &target, const QString &line);
+    void store(const Account &account);
+
+    AccountStore *m_store;
+    QTcpServer m_tcp;
+    UdpRelay m_relay;
+    LoginGuard m_guard;
+    std::function<qint64()> m_clock;
+    QTimer m_talkTimer;
+    QList<Session *> m_sessions;
+    std::vector<std::unique_ptr<Room>> m_rooms; ///< in their order
+};

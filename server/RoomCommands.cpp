@@ -1,0 +1,174 @@
+// Rooms, their members and their talkers.
+
+#include "server/Command.h"
+#include "server/ControlServer.h"
+#include "server/Session.h"
+
+#include <QDebug>
+
+namespace {
+
+QString keyText(const Room &room)
+{
+    return QString::fromLatin1(room.key.toBase64());
+}
+
+} // namespace
+
+void ControlServer::loadRooms()
+{
+    std::vector<std::unique_ptr<Room>> loaded;
+    for (const StoredRoom &stored : m_store->rooms()) {
+        std::unique_ptr<Room> room;
+        for (auto &old : m_rooms) {
+            if (old && old->name == stored.name)
+                room = std::move(old);
+        }
+        if (!room) {
+            room = std::make_unique<Room>();
+            room->name = stored.name;
+            room->renewKey();
+        }
+        room->maximum = stored.maximum;
+        loaded.push_back(std::move(room));
+    }
+    m_rooms = std::move(loaded);
+}
+
+Room *ControlServer::findRoom(const QString &name) const
+{
+    for (const auto &room : m_rooms) {
+        if (room->name == name)
+            return room.get();
+    }
+    return nullptr;
+}
+
+QString ControlServer::roomsLine() const
+{
+    QStringList names;
+    for (const auto &room : m_rooms)
+        names.append(room->name);
+    return QStringLiteral("ROOMS|") + names.join(QLatin1Char(','));
+}
+
+void ControlServer::rooms(Session &session, const Command &command)
+{
+    Q_UNUSED(command)
+    session.send(roomsLine());
+}
+
+void ControlServer::join(Session &session, const Command &command)
+{
+    const QString name = command.rest(0); // unquoted, blanks and all
+    Room *room = findRoom(name.startsWith(QLatin1Char('"')) ? command.argument(0) : name);
+    if (!room) {
+        session.send(QStringLiteral("JOIN_FAILED|Room tidak ditemukan"));
+        return;
+    }
+    if (session.room() != room && room->isFull()) {
+        session.send(QStringLiteral("JOIN_FAILED|Room penuh"));
+        return;
+    }
+    if (session.room() != room)
+        leaveRoom(session);
+    session.send(QStringLiteral("JOIN_OK|%1|%2").arg(room->name, keyText(*room)));
+    enter(session, *room);
+}
+
+void ControlServer::enter(Session &session, Room &room)
+{
+    if (session.room() != &room) {
+        room.members.append(&session);
+        session.setRoom(&room);
+        m_relay.setRoom(session.account().id, room.name);
+    }
+    sendUserList(room);
+}
+
+void ControlServer::leave(Session &session, const Command &command)
+{
+    Q_UNUSED(command)
+    leaveRoom(session);
+    session.send(QStringLiteral("LEAVE_OK"));
+}
+
+void ControlServer::leaveRoom(Session &session)
+{
+    Room *room = session.room();
+    if (!room)
+        return;
+    if (room->talker == &session)
+        releaseTalk(*room);
+    room->members.removeOne(&session);
+    session.setRoom(nullptr);
+    m_relay.setRoom(session.account().id, {});
+    sendUserList(*room);
+}
+
+void ControlServer::startTransmission(Session &session, const Command &command)
+{
+    const auto fail = [&session](const QString &reason) { session.send(QStringLiteral("TX_START_FAILED|") + reason); };
+    Room *room = session.room();
+    if (!room || room->name != command.argument(0)) {
+        fail(QStringLiteral("Anda tidak berada di room ini"));
+    } else if (!session.account().approved) {
+        fail(QStringLiteral("Akun belum disetujui"));
+    } else if (session.isMuted()) {
+        fail(QStringLiteral("Anda di-mute oleh admin"));
+    } else if (room->talker && room->talker != &session) {
+        fail(QStringLiteral("Kanal sedang dipakai oleh ") + room->talker->account().callsign);
+    } else {
+        if (room->talker != &session)
+            room->talkingSince = m_clock();
+        room->talker = &session;
+        m_relay.setTalker(room->name, session.account().id);
+        session.send(QStringLiteral("TX_START_OK"));
+        sendUserList(*room);
+    }
+}
+
+void ControlServer::stopTransmission(Session &session, const Command &command)
+{
+    Q_UNUSED(command)
+    Room *room = session.room();
+    session.send(QStringLiteral("TX_STOP_OK"));
+    if (room && room->talker == &session) {
+        releaseTalk(*room);
+        sendUserList(*room);
+    }
+}
+
+void ControlServer::releaseTalk(Room &room)
+{
+    room.talker = nullptr;
+    m_relay.setTalker(room.name, 0);
+}
+
+void ControlServer::enforceTalkLimit()
+{
+    for (const auto &room : m_rooms) {
+        if (!room->talker || m_clock() - room->talkingSince < kTalkLimit)
+            continue;
+        audit(*room->talker, QStringLiteral("talked too long in ") + room->name);
+        room->talker->send(QStringLiteral("ERROR|Batas waktu bicara tercapai"));
+        releaseTalk(*room);
+        sendUserList(*room);
+    }
+}
+
+/// Whoever was removed knows the old key; those who stay get the new one as if they had joined again.
+void ControlServer::renewKey(Room &room)
+{
+    room.renewKey();
+    for (Session *member : qAsConst(room.members))
+        member->send(QStringLiteral("JOIN_OK|%1|%2").arg(room.name, keyText(room)));
+    sendUserList(room);
+}
+
+void ControlServer::sendUserList(const Room &room)
+{
+    const QString line = room.userList();
+    for (Session *member : qAsConst(room.members))
+        member->send(line);
+}

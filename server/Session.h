@@ -1,0 +1,62 @@
+#pragma once
+
+#include "server/AccountStore.h"
+
+#include <QByteArray>
+#include <QElapsedTimer>
+#include <QObject>
+#include <QString>
+
+class QTcpSocket;
+struct Room;
+
+/// One control connection: its lines, and who is logged in on it. Ends the connection when a line is too long or too
+/// many come at once.
+class Session final : public QObject
+{
+    Q_OBJECT
+    Q_DISABLE_COPY_MOVE(Session)
+
+public:
+    static constexpr int kLongestLine = 64 * 1024; ///< bytes
+    static constexpr int kLinesPerSecond = 50;     ///< on average
+    static constexpr int kBurst = 200;             ///< lines
+
+    /// Takes the socket over.
+    Session(QTcpSocket *socket, QObject *parent);
+
+    [[nodiscard]] QString address() const;
+    [[nodiscard]] bool isLoggedIn() const { return m_account.id > 0; }
+    [[nodiscard]] const Account &account() const { return m_account; }
+    [[nodiscard]] QString hwid() const { return m_hwid; }
+    [[nodiscard]] bool isMuted() const { return m_muted; }
+    [[nodiscard]] Room *room() const { return m_room; }
+
+    void logIn(const Account &account, const QString &hwid);
+    void logOut() { m_account = {}; }
+    /// The stored account changed.
+    void setAccount(const Account &account) { m_account = account; }
+    void setMuted(bool muted) { m_muted = muted; }
+    void setRoom(Room *room) { m_room = room; }
+    /// One line, with its line end added.
+    void send(const QString &line);
+    /// Closes the connection after what was sent.
+    void close();
+
+signals:
+    void lineReceived(const QString &line);
+    void closed();
+
+private:
+    void onReadyRead();
+    [[nodiscard]] bool mayTakeLine();
+
+    QTcpSocket *m_socket;
+    QByteArray m_buffer;
+    Account m_account;
+    QString m_hwid;
+    bool m_muted = false;
+    Room *m_room = nullptr;
+    QElapsedTimer m_clock;
+    double m_credit = kBurst; ///< lines that may still come at once
+};
