@@ -1,3 +1,4 @@
+# shellcheck shell=bash
 # Sourced by ./run and ./test: the Debian 12 packages that building and testing need, and their installation.
 
 build_packages=(

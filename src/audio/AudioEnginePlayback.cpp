@@ -146,7 +146,8 @@ void AudioEngine::onOutputBufferTimer()
     if (!device || m_playback.size() < chunk)
         return;
 
-    const qint64 written = device->write(m_playback.front(), chunk);
+    // A device with less room than a chunk would cut it off, and packets come in bursts: a full one refuses for now.
+    const qint64 written = m_output->bytesFree() < chunk ? 0 : device->write(m_playback.front(), chunk);
     if (written <= 0) {
         ++m_writeFailures; // the chunk stays in front and is offered again
         return;

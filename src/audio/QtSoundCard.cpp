@@ -10,6 +10,7 @@
 #include <QPointer>
 
 #include <algorithm>
+#include <type_traits>
 
 namespace {
 
@@ -38,6 +39,12 @@ public:
     {
         // Nobody stops the stream but its end: a stopped one has died.
         return m_audio->state() == QAudio::StoppedState ? nullptr : m_device.data();
+    }
+    [[nodiscard]] int bytesFree() const override
+    {
+        if constexpr (std::is_same_v<Audio, QAudioOutput>)
+            return m_audio->bytesFree();
+        return SoundStream::bytesFree();
     }
 
 private:

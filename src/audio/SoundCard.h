@@ -2,6 +2,7 @@
 
 #include <QString>
 
+#include <limits>
 #include <memory>
 
 class QIODevice;
@@ -16,6 +17,8 @@ public:
 
     /// Where to read or write 16-bit samples. Null once the system has taken it away, which may happen at any time.
     [[nodiscard]] virtual QIODevice *device() const = 0;
+    /// Bytes that an output takes without cutting them off.
+    [[nodiscard]] virtual int bytesFree() const { return std::numeric_limits<int>::max(); }
 
 protected:
     SoundStream() = default;

@@ -13,6 +13,11 @@ public:
     }
     ~FakeStream() override { delete m_device; }
     [[nodiscard]] QIODevice *device() const override { return m_device; }
+    [[nodiscard]] int bytesFree() const override
+    {
+        const auto *output = qobject_cast<const FakeOutput *>(m_device.data());
+        return output ? output->room : SoundStream::bytesFree();
+    }
 
 private:
     QPointer<QIODevice> m_device;

@@ -38,6 +38,7 @@ public:
 
     QByteArray played;
     QList<qint64> answers; ///< what the next writes return; -1 is an error. Then everything is accepted
+    int room = std::numeric_limits<int>::max(); ///< bytes that it takes at the moment
     int writes = 0;
 
 protected:

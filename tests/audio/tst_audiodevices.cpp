@@ -50,6 +50,7 @@ public:
     {
     }
     [[nodiscard]] QIODevice *device() const override { return m_stream->device() ? m_tap.get() : nullptr; }
+    [[nodiscard]] int bytesFree() const override { return m_stream->bytesFree(); }
 
 private:
     std::unique_ptr<SoundStream> m_stream;

@@ -70,6 +70,7 @@ private slots:
     void meterOfEveryFifthPacket();
     void lessThanAChunkWaits();
     void refusedChunkIsOfferedAgain();
+    void fullDeviceIsOfferedNothing();
     void restOfChunkIsLost();
     void meterOfEveryFifthWrite();
     void outputTimerFeeds();
@@ -326,6 +327,21 @@ void TestAudioPlayback::refusedChunkIsOfferedAgain()
     QCOMPARE(rig.card->output->writes, 3);
     QCOMPARE(rig.engine.playbackBacklog(), 3 * EngineRig::kChunkBytes);
     rig.feedOutput(3);
+    QCOMPARE(rig.card->output->played, decodedApart(packets));
+}
+
+void TestAudioPlayback::fullDeviceIsOfferedNothing()
+{
+    EngineRig rig;
+    QVERIFY(rig.startBoth());
+    const QList<QByteArray> packets = packetsOf(Tone::sine(440, 48000, 960 * 2));
+    for (const QByteArray &packet : packets)
+        rig.engine.onAudioReceived(packet);
+    rig.card->output->room = EngineRig::kChunkBytes - 1;
+    rig.feedOutput(3);
+    QCOMPARE(rig.card->output->writes, 0);
+    rig.card->output->room = EngineRig::kChunkBytes;
+    rig.feedOutput(2);
     QCOMPARE(rig.card->output->played, decodedApart(packets));
 }
 

@@ -4,8 +4,9 @@
 
 namespace {
 
-constexpr double kSameSpeech = 0.8; // different sentences reach 0.6
+constexpr double kSameSpeech = 0.8; // different sentences reach 0.7
 constexpr double kAudible = 200;    // root mean square of 16-bit samples
+constexpr int kHiss = 80;           // amplitude of what an open squelch lets through between the words
 constexpr std::chrono::milliseconds kLeadIn{300};
 constexpr std::chrono::milliseconds kTail{1000}; // what may still be on its way when the speech ends
 
@@ -17,6 +18,19 @@ std::chrono::nanoseconds now()
 std::chrono::milliseconds inMilliseconds(std::chrono::nanoseconds duration)
 {
     return std::chrono::round<std::chrono::milliseconds>(duration);
+}
+
+int samplesOf(std::chrono::milliseconds duration, int rate)
+{
+    return static_cast<int>(duration.count() * rate / 1000);
+}
+
+/// The speech as a receiver gives it out. Never quite silent: a packet of perfect silence is too short to be decoded.
+Sound asReceived(const Sound &speech)
+{
+    const int before = samplesOf(kLeadIn, speech.rate);
+    const int count = before + speech.pcm.size() / 2 + samplesOf(kTail, speech.rate);
+    return {Signals::mixed(Signals::noise(count, kHiss), speech.pcm, before), speech.rate};
 }
 
 /// The last time that RTS became so; none is the clock's beginning.
@@ -79,7 +93,7 @@ Over relayOver(Station &from, Station &to, const LossyProxy &line, const Sound &
         return over;
     const std::chrono::nanoseconds keyed = lastEdge(to.radio(), true);
     over.keyUp = inMilliseconds(keyed - carrierUp);
-    if (!mouth->waitForMore(kLeadIn) || !from.sound().playAllIntoReceiver(speech) || !ear->waitForMore(kTail))
+    if (!from.sound().playAllIntoReceiver(asReceived(speech)))
         return over;
 
     const std::chrono::nanoseconds carrierDown = now();

@@ -11,6 +11,10 @@ namespace Signals {
 /// `count` samples of a sine; amplitude up to 32767.
 [[nodiscard]] QByteArray sine(double frequency, int rate, int count, int amplitude = 12000);
 [[nodiscard]] QByteArray silence(int count);
+/// `count` samples of white noise between -amplitude and amplitude, always the same.
+[[nodiscard]] QByteArray noise(int count, int amplitude);
+/// Adds `sound` to the background from that sample on; what goes beyond the background's end or 16 bits is cut.
+[[nodiscard]] QByteArray mixed(const QByteArray &background, const QByteArray &sound, int offset);
 
 /// Root mean square of the samples, 0 to 32767.
 [[nodiscard]] double rms(const QByteArray &pcm);
@@ -30,7 +34,7 @@ struct Match
 [[nodiscard]] QVector<double> envelope(const QByteArray &pcm, int rate);
 constexpr std::chrono::milliseconds kEnvelopeStep{5};
 
-/// How alike two recordings are that may differ in rate, volume, codec and start.
+/// How alike two recordings are that may differ in rate, volume, codec and start, and slip by up to 200 ms on the way.
 struct Likeness
 {
     double similarity = 0; ///< of the loudness over time, -1 to 1

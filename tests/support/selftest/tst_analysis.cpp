@@ -6,6 +6,7 @@
 #include <QtMath>
 
 #include <algorithm>
+#include <cmath>
 #include <cstring>
 
 namespace {
@@ -58,12 +59,14 @@ private slots:
     void measuresTones_data();
     void measuresTones();
     void measuresSilence();
+    void mixes();
     void correlatesValues_data();
     void correlatesValues();
     void findsDelays_data();
     void findsDelays();
     void tellsDifferentSoundsApart();
     void noticesGaps();
+    void followsASlip();
     void speaks();
     void keepsSoundsInFiles();
     void readsForeignFiles();
@@ -100,6 +103,19 @@ void AnalysisTest::measuresSilence()
     const Signals::Likeness likeness = Signals::compare(babble(1, kRate), kRate, silence, kRate);
     QCOMPARE(likeness.similarity, 0.0);
     QCOMPARE(Signals::compare({}, kRate, silence, kRate).similarity, 0.0);
+}
+
+void AnalysisTest::mixes()
+{
+    const QByteArray hiss = Signals::noise(kRate, 100);
+    QVERIFY(qAbs(Signals::rms(hiss) - 100 / std::sqrt(3.0)) < 2);
+    const QByteArray sum = Signals::mixed(hiss, Signals::sine(1000, kRate, kRate / 2), kRate / 4);
+    QCOMPARE(sum.size(), hiss.size());
+    QCOMPARE(sum.left(kRate / 4 * kSampleSize), hiss.left(kRate / 4 * kSampleSize));
+    QVERIFY(Signals::toneAmplitude(sum.mid(kRate / 4 * kSampleSize, kRate), kRate, 1000) > 11900);
+    const QByteArray loud = Signals::sine(1000, kRate, 48, 30000);
+    QCOMPARE(sampleAt(Signals::mixed(loud, loud, 0), 12), qint16(32767));
+    QCOMPARE(Signals::mixed(loud, loud, 40).size(), loud.size());
 }
 
 void AnalysisTest::correlatesValues_data()
@@ -166,6 +182,17 @@ void AnalysisTest::noticesGaps()
     const double torn = Signals::compare(said, kRate, heard, kRate).similarity;
     QVERIFY(whole > 0.99);
     QVERIFY2(torn < 0.9, qPrintable(QString::number(torn)));
+}
+
+void AnalysisTest::followsASlip()
+{
+    const QByteArray said = babble(3, kRate);
+    QByteArray heard = said;
+    heard.insert(kRate * kSampleSize * 3 / 2, Signals::silence(kRate / 10)); // 100 ms after 1.5 s
+    const double slipped = Signals::compare(said, kRate, heard, kRate).similarity;
+    QVERIFY2(slipped > 0.85, qPrintable(QString::number(slipped)));
+    const double whole = Signals::correlate(Signals::envelope(said, kRate), Signals::envelope(heard, kRate)).similarity;
+    QVERIFY(whole < slipped);
 }
 
 void AnalysisTest::speaks()
