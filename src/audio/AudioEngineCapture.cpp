@@ -15,7 +15,6 @@ using namespace std::chrono_literals;
 namespace {
 
 constexpr auto kCaptureInterval = 10ms; // half a frame, so that a backlog drains
-constexpr int kUnityGain = 100;         // percent
 
 } // namespace
 

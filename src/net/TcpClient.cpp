@@ -1,5 +1,6 @@
 #include "net/TcpClient.h"
 
+#include "net/protocol/Commands.h"
 #include "net/protocol/ServerMessage.h"
 
 #include <QDateTime>
@@ -79,7 +80,7 @@ void TcpClient::connectToServer(const QString &host, quint16 port)
 void TcpClient::disconnectFromServer()
 {
     if (m_connected) {
-        sendCommand(QStringLiteral("QUIT"));
+        sendCommand(Commands::quit());
         m_socket->flush();
     }
     m_heartbeat->stop();
@@ -114,35 +115,32 @@ void TcpClient::sendCommand(const QString &line)
 
 void TcpClient::login(const QString &callsign, const QString &password, const QString &hwid)
 {
-    QString line = QStringLiteral("LOGIN ") + callsign + QLatin1Char(' ') + password;
-    if (!hwid.isEmpty())
-        line += QLatin1Char(' ') + hwid;
-    sendCommand(line);
+    sendCommand(Commands::login(callsign, password, hwid));
 }
 
 void TcpClient::joinRoom(const QString &room)
 {
-    sendCommand(QStringLiteral("JOIN ") + room);
+    sendCommand(Commands::join(room));
 }
 
 void TcpClient::stopTransmit(const QString &room)
 {
-    sendCommand(QStringLiteral("TX_STOP \"%1\"").arg(room));
+    sendCommand(Commands::stopTransmit(room));
 }
 
 void TcpClient::approveUser(int userId)
 {
-    sendCommand(QStringLiteral("ADMIN_APPROVE_USER %1").arg(userId));
+    sendCommand(Commands::approveUser(userId));
 }
 
 void TcpClient::unapproveUser(int userId)
 {
-    sendCommand(QStringLiteral("ADMIN_UNAPPROVE_USER %1").arg(userId));
+    sendCommand(Commands::unapproveUser(userId));
 }
 
 void TcpClient::muteUser(int userId, int muted)
 {
-    sendCommand(QStringLiteral("ADMIN_MUTE %1 %2").arg(userId).arg(muted));
+    sendCommand(Commands::mute(userId, muted));
 }
 
 void TcpClient::sendAudio(const QByteArray &frame)
@@ -201,7 +199,7 @@ void TcpClient::onHeartbeat()
     if (!m_connected)
         return;
     m_pingSentAt = QDateTime::currentMSecsSinceEpoch();
-    sendCommand(QStringLiteral("PING"));
+    sendCommand(Commands::ping());
 }
 
 void TcpClient::onReadyRead()

@@ -1,6 +1,7 @@
 // What each message of the server does.
 
 #include "net/TcpClient.h"
+#include "net/protocol/Commands.h"
 #include "net/protocol/ServerMessage.h"
 
 #include <QDebug>
@@ -247,7 +248,7 @@ void TcpClient::handleRoomOrderSaved(const ServerMessage &message)
 {
     Q_UNUSED(message)
     qDebug() << "[TCP] Room order saved OK";
-    sendCommand(QStringLiteral("ROOMS")); // so that every list of rooms is refreshed
+    sendCommand(Commands::rooms()); // so that every list of rooms is refreshed
 }
 
 void TcpClient::handleSubjectAcknowledged(const ServerMessage &message)

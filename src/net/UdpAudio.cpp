@@ -85,8 +85,8 @@ void UdpAudio::stop()
     m_handshakeTimer->stop();
     m_reinitializeTimer->stop();
     m_ready = false;
-    if (m_socket)
-        m_socket->close();
+    m_arrived.clear();
+    m_socket->close();
 }
 
 bool UdpAudio::enableUdp(const QString &host, quint16 port, const QString &token)
@@ -147,12 +147,8 @@ QHostAddress UdpAudio::resolve(const QString &host)
 
 bool UdpAudio::openSocket()
 {
-    // The old socket may be the one whose datagram is being handled: it goes when the event loop comes round.
-    if (m_socket) {
-        m_socket->disconnect(this);
-        m_socket->close();
-        m_socket->deleteLater();
-    }
+    m_arrived.clear();
+    delete m_socket;
     m_socket = new QUdpSocket(this);
     connect(m_socket, &QUdpSocket::readyRead, this, &UdpAudio::onReadyRead);
     if (!m_socket->bind(0)) {
@@ -188,7 +184,7 @@ void UdpAudio::sendToken()
 
 void UdpAudio::resendToken(const QString &token)
 {
-    if (!m_socket || !m_ready)
+    if (!m_ready)
         return;
     const QByteArray datagram = (QStringLiteral("TOKEN:") + token).toUtf8();
     send(datagram);
@@ -224,15 +220,36 @@ void UdpAudio::fail()
     emit udpFailed();
 }
 
+/// Datagrams are handled when the event loop comes round, not inside the socket's own signal: a receiver may replace
+/// the socket, delete this link or wait in a box.
 void UdpAudio::onReadyRead()
 {
-    const QPointer<UdpAudio> self(this); // a receiver may be the end of this link
-    while (self && m_socket->hasPendingDatagrams()) {
+    while (m_socket->hasPendingDatagrams()) {
         QByteArray datagram(static_cast<int>(std::max<qint64>(m_socket->pendingDatagramSize(), 0)), Qt::Uninitialized);
         const qint64 size = m_socket->readDatagram(datagram.data(), datagram.size());
         if (size < 0)
-            return; // the socket tells again when there is more
+            break; // the socket tells again when there is more
         datagram.truncate(static_cast<int>(size));
+        m_arrived.append(datagram);
+    }
+    scheduleArrived();
+}
+
+void UdpAudio::scheduleArrived()
+{
+    if (m_arrived.isEmpty() || m_arrivedScheduled)
+        return;
+    m_arrivedScheduled = true;
+    QMetaObject::invokeMethod(this, &UdpAudio::handleArrived, Qt::QueuedConnection);
+}
+
+void UdpAudio::handleArrived()
+{
+    m_arrivedScheduled = false;
+    const QPointer<UdpAudio> self(this);
+    while (self && !m_arrived.isEmpty()) {
+        const QByteArray datagram = m_arrived.takeFirst();
+        scheduleArrived(); // goes on with the others while a receiver waits in a box
         handleDatagram(datagram);
     }
 }
@@ -302,7 +319,7 @@ void UdpAudio::reinitialize()
 
 void UdpAudio::sendKeepalive()
 {
-    if (m_socket && m_ready)
+    if (m_ready)
         send(QByteArrayLiteral("KEEPALIVE"));
 }
 

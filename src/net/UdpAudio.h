@@ -1,6 +1,8 @@
 #pragma once
 
+#include <QByteArray>
 #include <QHostAddress>
+#include <QList>
 #include <QObject>
 
 #include <functional>
@@ -56,13 +58,15 @@ private:
     void sendToken();
     void fail();
     void confirm();
+    void scheduleArrived();
+    void handleArrived();
     Q_INVOKABLE void handleDatagram(const QByteArray &datagram);
     void handleRegistered(const QString &text);
     Q_INVOKABLE void checkHealth();
     void reinitialize();
     qint64 send(const QByteArray &datagram);
 
-    QUdpSocket *m_socket = nullptr; ///< a fresh one for every enableUdp()
+    QUdpSocket *m_socket = nullptr; ///< never null; a fresh one for every enableUdp()
     QHostAddress m_serverAddress;
     quint16 m_serverPort = 0;
     int m_userId = 0;
@@ -73,5 +77,7 @@ private:
     QTimer *m_reinitializeTimer = nullptr;
     qint64 m_lastReceived = 0; ///< milliseconds since the epoch; 0 = never
     QString m_token;
+    QList<QByteArray> m_arrived; ///< read from the present socket, not yet handled
+    bool m_arrivedScheduled = false;
     std::function<qint64()> m_clock;
 };

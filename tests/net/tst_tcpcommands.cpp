@@ -29,6 +29,7 @@ private slots:
     void heartbeat();
     void pongWithoutPingIsIgnored();
     void audioIsNotSent();
+    void secretsStayOutOfTheDiagnostics();
 };
 
 namespace {
@@ -245,6 +246,24 @@ void TcpCommandsTest::audioIsNotSent()
     QCOMPARE(server.received(), QByteArray("MARK\r\n"));
     QVERIFY(log.contains(QStringLiteral("[TCP] sendAudio called but TCP audio not supported - drop frame")));
     QCOMPARE(errors.size(), 0);
+}
+
+void TcpCommandsTest::secretsStayOutOfTheDiagnostics()
+{
+    LogCapture log;
+    FakeServer server;
+    TcpClient client;
+    QSignalSpy joined(&client, &TcpClient::joinRoomResult);
+    QVERIFY(connectTo(client, server));
+    client.login(QStringLiteral("YB0ABC"), QStringLiteral("password-secret"), QStringLiteral("device-secret"));
+    client.sendCommand(QStringLiteral("USER_CHANGE_PASSWORD \"password-secret\" \"other-secret\""));
+    server.sendRaw("LOGIN_OK|token-secret||False|1|||||||||||session-secret\r\n"
+                   "JOIN_OK|Lobby|0123456789abcdef-key-secret\r\n"
+                   "MOVED|Lobby||moved-secret\r\n");
+    QTRY_COMPARE(joined.size(), 2);
+    QVERIFY(log.contains(QStringLiteral("[TCP] JOIN_OK room: Lobby key: 0123456789abcdef...")));
+    const QString all = log.lines().join(QLatin1Char('\n'));
+    QVERIFY2(!all.contains(QLatin1String("secret")), qPrintable(all));
 }
 
 EVOX_TEST_MAIN(TcpCommandsTest, QCoreApplication)

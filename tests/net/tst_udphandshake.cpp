@@ -7,6 +7,9 @@
 #include <QSignalSpy>
 #include <QTimer>
 
+#include <memory>
+#include <sys/resource.h>
+
 class UdpHandshakeTest final : public QObject
 {
     Q_OBJECT
@@ -27,6 +30,7 @@ private slots:
     void badHosts();
     void namesAreLookedUp();
     void failedLookupLeavesTheOldLink();
+    void noSocketToBeHad();
     void enablingAgainStartsOver();
     void stopsSilently();
     void tokenIsResent();
@@ -293,6 +297,34 @@ void UdpHandshakeTest::failedLookupLeavesTheOldLink()
     QVERIFY(!link.udp.enableUdp({}, FakeServer::kUdpPort, q("xyz")));
     link.udp.resendToken(q("abc"));
     QVERIFY(link.server.waitForDatagram("TOKEN:abc", 2));
+}
+
+void UdpHandshakeTest::noSocketToBeHad()
+{
+    LogCapture log;
+    Link link;
+    QVERIFY(link.bringUp());
+    link.server.answerPing(false);
+    QVERIFY(link.enable()); // its handshake must not be told about once it has been replaced
+    {
+        // Qt's own event loop needs no further file here; a socket does.
+        rlimit files{};
+        getrlimit(RLIMIT_NOFILE, &files);
+        rlimit none = files;
+        none.rlim_cur = 0;
+        setrlimit(RLIMIT_NOFILE, &none);
+        const bool enabled = link.enable();
+        setrlimit(RLIMIT_NOFILE, &files);
+        QVERIFY(!enabled);
+    }
+    QCOMPARE(link.failed.size(), 1);
+    QVERIFY(log.lines().last().startsWith(q("[UDP] Failed to bind UDP socket: ")));
+    QVERIFY(!link.timer("handshakeTimer")->isActive());
+    QVERIFY(!link.udp.isReady());
+    link.udp.sendKeepalive();
+    link.udp.sendAudio("x");
+    link.server.answerPing(true);
+    QVERIFY(link.bringUp());
 }
 
 void UdpHandshakeTest::enablingAgainStartsOver()

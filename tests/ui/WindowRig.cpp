@@ -61,9 +61,10 @@ bool WindowRig::openAndLogIn(bool admin)
 bool WindowRig::openInRoom(const QString &room, bool admin)
 {
     server.answer(QStringLiteral("JOIN "), {QStringLiteral("JOIN_OK|%1|%2").arg(room, key())});
+    // The room's key announces the audio link again: the window is at rest when the answer to that has been shown.
     return openAndLogIn(admin) && server.waitForLine(QStringLiteral("JOIN ")) &&
            QTest::qWaitFor([this] { return action("toolbarLeave")->isVisible(); }) &&
-           QTest::qWaitFor([this] { return showed(QStringLiteral("UDP audio ready"), 3000); });
+           QTest::qWaitFor([this] { return status() == QStringLiteral("UDP audio ready"); });
 }
 
 QAction *WindowRig::action(const char *name) const

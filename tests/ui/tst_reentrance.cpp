@@ -116,6 +116,8 @@ void ReentranceTest::sameKickTwiceOpensOneBox()
     rig.server.sendRaw("KICKED|x\r\nKICKED|x\r\n");
     QTRY_VERIFY(rig.prompts.isDone());
     QCOMPARE(rig.prompts.seen().size(), 1);
+    QVERIFY(rig.server.waitForLine(QStringLiteral("QUIT")));
+    QTRY_VERIFY(!rig.server.isClientConnected());
     QCOMPARE(rig.server.count(QStringLiteral("QUIT")), 1);
 }
 
