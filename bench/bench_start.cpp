@@ -41,11 +41,12 @@ Started start(const QString &program, const QString &home)
     process.setProcessEnvironment(environment);
     process.setStandardErrorFile(QProcess::nullDevice());
     Started started;
-    started.milliseconds = 1000 * Bench::secondsOf([&] {
-        process.start(QCoreApplication::applicationDirPath() + QLatin1Char('/') + program, {});
-        while (process.waitForReadyRead() && !process.readAllStandardOutput().contains("painted")) {
-        }
-    });
+    started.milliseconds =
+        1000 * Bench::secondsOf([&] {
+            process.start(QCoreApplication::applicationDirPath() + QLatin1Char('/') + program, {});
+            while (process.waitForReadyRead() && !process.readAllStandardOutput().contains("painted")) {
+            }
+        });
     if (process.state() != QProcess::Running) {
         std::fprintf(stderr, "%s did not paint\n", qPrintable(program));
         std::exit(1);
