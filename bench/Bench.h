@@ -35,8 +35,7 @@ struct Medians
 };
 
 /// Medians of alternating measurements; each function returns one figure (seconds, bytes, …).
-inline Medians compare(const std::function<double()> &ours, const std::function<double()> &baseline,
-                       int pairs = kPairs)
+inline Medians compare(const std::function<double()> &ours, const std::function<double()> &baseline, int pairs = kPairs)
 {
     std::vector<double> a;
     std::vector<double> b;

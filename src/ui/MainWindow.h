@@ -66,11 +66,7 @@ private:
     void openSerialPort();
     void showStatus(const QString &text, int milliseconds = 0);
 
-    // MainWindowSession.cpp: connection, login, rooms, UDP
-    void connectAutomatically();
-    void onReconnectTick();
-    void armReconnect();
-    void ensureHardwareId();
+    // MainWindowLogin.cpp: prompts and refusals
     void promptForLogin();
     [[nodiscard]] bool askCallsign();
     void askMissingPassword();
@@ -81,6 +77,12 @@ private:
     void askPasswordAgain();
     void cancelRetry();
     void giveUpLogin();
+
+    // MainWindowSession.cpp: connection, rooms, UDP
+    void connectAutomatically();
+    void onReconnectTick();
+    void armReconnect();
+    void ensureHardwareId();
     void onLoginSucceeded();
     void armAutoJoin();
     void restartUdp();

@@ -4,7 +4,7 @@
 
 namespace {
 
-constexpr double kSameSpeech = 0.8; // different sentences reach 0.7
+constexpr double kSameSpeech = 0.7; // different sentences stay below 0.55
 constexpr double kAudible = 200;    // root mean square of 16-bit samples
 constexpr int kHiss = 80;           // amplitude of what an open squelch lets through between the words
 constexpr std::chrono::milliseconds kLeadIn{300};

@@ -47,9 +47,6 @@ public:
     [[nodiscard]] bool type(const QStringList &keys) const;
     [[nodiscard]] bool screenshot(const QString &path) const;
 
-    /// Ends the program as its window's close button does not: politely, from outside.
-    void end() { m_program.end(); }
-
 private:
     [[nodiscard]] QString window() const;
     [[nodiscard]] bool writeConfiguration() const;

@@ -1,0 +1,128 @@
+#include "server/AccountStore.h"
+#include "server/Passwords.h"
+#include "support/TestMain.h"
+
+#include <QFile>
+#include <QTemporaryDir>
+
+class AccountStoreTest final : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void keepsAccounts();
+    void keepsRoomsInOrder();
+    void keepsSettings();
+    void refusesWhatIsNoDatabase();
+    void passwords();
+};
+
+namespace {
+
+QString q(const char *text)
+{
+    return QString::fromUtf8(text);
+}
+
+} // namespace
+
+void AccountStoreTest::keepsAccounts()
+{
+    const QTemporaryDir folder;
+    QString error;
+    Account account;
+    account.callsign = q("YB1A");
+    account.passwordHash = QByteArray("h\0sh", 4);
+    account.gatewayName = q("Bukit O'Hara");
+    account.approved = true;
+    account.expiry = q("2027-12-31");
+    {
+        AccountStore store;
+        QVERIFY2(store.open(folder.filePath(q("club.sqlite")), &error), qPrintable(error));
+        QVERIFY(store.add(&account));
+        QVERIFY(account.id > 0);
+        QVERIFY2(!store.add(&account), "the callsign is taken");
+        account.hwid = q("pc'; DROP TABLE accounts; --");
+        QVERIFY(store.update(account));
+    }
+    AccountStore store;
+    QVERIFY2(store.open(folder.filePath(q("club.sqlite")), &error), qPrintable(error));
+    const auto read = store.account(q("YB1A"));
+    QVERIFY(read);
+    QCOMPARE(read->id, account.id);
+    QCOMPARE(read->passwordHash, account.passwordHash);
+    QCOMPARE(read->gatewayName, account.gatewayName);
+    QCOMPARE(read->hwid, account.hwid);
+    QCOMPARE(read->expiry, account.expiry);
+    QCOMPARE(read->status, q("active"));
+    QVERIFY(read->approved && !read->admin && !read->resetRequested);
+    QVERIFY(!store.account(q("yb1a")));
+    QVERIFY(store.account(account.id));
+    QVERIFY(store.remove(account.id));
+    QVERIFY(!store.remove(account.id));
+    QVERIFY(store.accounts().isEmpty());
+}
+
+void AccountStoreTest::keepsRoomsInOrder()
+{
+    AccountStore store;
+    QString error;
+    QVERIFY(store.open(q(":memory:"), &error));
+    const auto names = [&store] {
+        QStringList list;
+        for (const StoredRoom &room : store.rooms())
+            list.append(room.name);
+        return list;
+    };
+    for (const char *name : {"Lobby", "Alpha", "Beta"})
+        QVERIFY(store.addRoom({q(name), 5}));
+    QVERIFY(!store.addRoom({q("Alpha"), 5}));
+    QCOMPARE(names(), QStringList({q("Lobby"), q("Alpha"), q("Beta")}));
+    QVERIFY(store.setRoomOrder({q("Beta"), q("Nowhere"), q("Lobby")}));
+    QCOMPARE(names(), QStringList({q("Beta"), q("Lobby"), q("Alpha")}));
+    QVERIFY(store.editRoom(q("Alpha"), {q("Gamma"), 7}));
+    QCOMPARE(store.rooms().last().maximum, 7);
+    QVERIFY(!store.editRoom(q("Alpha"), {q("Delta"), 7}));
+    QVERIFY(store.removeRoom(q("Lobby")));
+    QCOMPARE(names(), QStringList({q("Beta"), q("Gamma")}));
+}
+
+void AccountStoreTest::keepsSettings()
+{
+    AccountStore store;
+    QString error;
+    QVERIFY(store.open(q(":memory:"), &error));
+    QCOMPARE(store.setting(q("audio_preset")), QString());
+    QVERIFY(store.setSetting(q("audio_preset"), q("low")));
+    QVERIFY(store.setSetting(q("audio_preset"), q("high")));
+    QCOMPARE(store.setting(q("audio_preset")), q("high"));
+}
+
+void AccountStoreTest::refusesWhatIsNoDatabase()
+{
+    const QTemporaryDir folder;
+    QFile file(folder.filePath(q("club.sqlite")));
+    QVERIFY(file.open(QIODevice::WriteOnly));
+    file.write(QByteArray(5000, 'x'));
+    file.close();
+    AccountStore store;
+    QString error;
+    QVERIFY(!store.open(file.fileName(), &error));
+    QVERIFY(!error.isEmpty());
+}
+
+void AccountStoreTest::passwords()
+{
+    QVERIFY(Passwords::initialize());
+    const QByteArray hash = Passwords::hash(q("rahasia kafé"));
+    QVERIFY(hash.startsWith("$argon2id$"));
+    QVERIFY(hash != Passwords::hash(q("rahasia kafé")));
+    QVERIFY(Passwords::matches(hash, q("rahasia kafé")));
+    QVERIFY(!Passwords::matches(hash, q("rahasia kafe")));
+    QVERIFY(!Passwords::matches({}, {}));
+    QVERIFY(!Passwords::matches(QByteArray(10000, 'x'), q("x")));
+    QCOMPARE(Passwords::randomBytes(32).size(), 32);
+}
+
+EVOX_TEST_MAIN(AccountStoreTest, QCoreApplication)
+#include "tst_accountstore.moc"
