@@ -35,6 +35,7 @@ private slots:
     void overflow();
     void limitItselfIsTaken();
     void longLineInPiecesIsSearchedOnce();
+    void longLineBetweenOthers();
     void discardsAPartialFrame_data();
     void discardsAPartialFrame();
     void holdsOnToNothingBehindIt();
@@ -151,6 +152,24 @@ void MessageBufferTest::longLineInPiecesIsSearchedOnce()
     QVERIFY(message);
     QCOMPARE(message->bytes.size(), pieces * 4096);
     QCOMPARE(buffer.searched(), qint64(pieces) * 4096 + 1);
+}
+
+void MessageBufferTest::longLineBetweenOthers()
+{
+    const QByteArray longLine(100000, 'x');
+    MessageBuffer buffer;
+    buffer.append("  " + longLine + " \r\n"); // alone
+    QCOMPARE(buffer.next()->bytes, longLine);
+    QVERIFY(buffer.isEmpty());
+    buffer.append("PONG\r\n" + longLine + "\r\n"); // last
+    QCOMPARE(buffer.next()->bytes, QByteArray("PONG"));
+    QCOMPARE(buffer.next()->bytes, longLine);
+    buffer.append(longLine + "\r\nPONG\r\nPO"); // first
+    QCOMPARE(buffer.next()->bytes, longLine);
+    QCOMPARE(buffer.next()->bytes, QByteArray("PONG"));
+    buffer.append("NG\n");
+    QCOMPARE(buffer.next()->bytes, QByteArray("PONG"));
+    QVERIFY(!buffer.next());
 }
 
 void MessageBufferTest::discardsAPartialFrame_data()

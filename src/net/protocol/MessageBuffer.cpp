@@ -1,6 +1,7 @@
 #include "net/protocol/MessageBuffer.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace {
 
@@ -100,12 +101,24 @@ std::optional<MessageBuffer::Message> MessageBuffer::next()
         if (end < 0 || m_overflow)
             return std::nullopt;
         Message message;
-        message.bytes = trimmed(m_bytes.constData() + m_begin, m_bytes.constData() + end);
-        consume(end + 1);
+        message.bytes = takeLine(end);
         if (!message.bytes.isEmpty())
             return message;
     }
     return std::nullopt;
+}
+
+/// Takes the line that ends there off the buffer.
+QByteArray MessageBuffer::takeLine(int end)
+{
+    if (m_begin == 0 && end + 1 == m_bytes.size() && end >= kCompactFrom) {
+        QByteArray line = std::exchange(m_bytes, QByteArray()); // a long list, and nothing else: not worth a copy
+        clear();
+        return std::move(line).trimmed();
+    }
+    QByteArray line = trimmed(m_bytes.constData() + m_begin, m_bytes.constData() + end);
+    consume(end + 1);
+    return line;
 }
 
 std::optional<MessageBuffer::Message> MessageBuffer::nextAudio()

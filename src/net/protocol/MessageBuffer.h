@@ -5,8 +5,8 @@
 #include <optional>
 
 /// Cuts the bytes of the control connection into messages: lines, and binary audio frames announced by an
-/// "AUDIO <user id> <length>" header. Bytes are searched for a line end once, and taking a message copies nothing but
-/// the message.
+/// "AUDIO <user id> <length>" header. Bytes are searched for a line end once, and taking a message copies at most the
+/// message.
 class MessageBuffer final
 {
 public:
@@ -35,6 +35,7 @@ public:
 
 private:
     [[nodiscard]] int findLineFeed();
+    [[nodiscard]] QByteArray takeLine(int end);
     [[nodiscard]] std::optional<Message> nextAudio();
     void consume(int end);
     void skip();

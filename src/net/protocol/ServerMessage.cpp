@@ -30,7 +30,7 @@ QJsonDocument parse(std::string_view bytes)
 {
     QJsonParseError error;
     const auto raw = QByteArray::fromRawData(bytes.data(), static_cast<int>(bytes.size()));
-    const QJsonDocument document = QJsonDocument::fromJson(raw, &error);
+    QJsonDocument document = QJsonDocument::fromJson(raw, &error);
     if (error.error != QJsonParseError::IllegalUTF8String)
         return document;
     return QJsonDocument::fromJson(textOf(bytes).toUtf8()); // with a replacement character for what is no UTF-8
