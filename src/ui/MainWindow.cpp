@@ -42,11 +42,14 @@ constexpr int kFrameSize = 960;
 constexpr int kBitrate = 32000;
 constexpr int kComplexity = 5;
 
-/// The name of the device at a position of the system's list; empty for the system default.
+/// The name of the device at a position of the system's list; empty for the system default. Asking for the list takes
+/// tens of milliseconds, so the default does not ask.
 QString deviceName(QAudio::Mode mode, int index)
 {
+    if (index < 0)
+        return {};
     const auto devices = QAudioDeviceInfo::availableDevices(mode);
-    return index >= 0 && index < devices.size() ? devices.at(index).deviceName() : QString();
+    return index < devices.size() ? devices.at(index).deviceName() : QString();
 }
 
 } // namespace
