@@ -7,13 +7,14 @@
 #include "net/UdpAudio.h"
 #include "radio/SerialManager.h"
 #include "ui/MainActions.h"
+#include "ui/Theme.h"
 #include "ui/room/RoomPanel.h"
 #include "ui/status/ControlPanel.h"
 
 #include <QAction>
+#include <QApplication>
 #include <QAudioDeviceInfo>
 #include <QCloseEvent>
-#include <QCoreApplication>
 #include <QDebug>
 #include <QIcon>
 #include <QLabel>
@@ -65,6 +66,8 @@ MainWindow::MainWindow(const Endpoints &endpoints, Prompts &prompts)
     Config::instance().load();
     setWindowTitle(QStringLiteral("%1 v%2 (Build %3)").arg(Product::name(), Product::version(), Product::build()));
     setWindowIcon(QIcon(QStringLiteral(":/icons/app_ico")));
+    const bool dark = Config::instance().darkTheme();
+    Theme::apply(*qApp, dark); // before there is anything to style twice
     m_actions = new MainActions(this);
     createPanels();
     createStatusBar();
@@ -74,7 +77,7 @@ MainWindow::MainWindow(const Endpoints &endpoints, Prompts &prompts)
     connectAudio();
     connectRadio();
     connectPanels();
-    applyTheme(Config::instance().darkTheme());
+    showTheme(dark);
     startAudio();
     openSerialPort();
     QTimer::singleShot(kAutoConnectDelay, this, &MainWindow::connectAutomatically);

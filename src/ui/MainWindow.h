@@ -112,7 +112,7 @@ private:
     void onAdminMuted(bool muted, const QString &reason);
 
     // MainWindowTools.cpp: theme, user actions, records for the panels
-    void applyTheme(bool dark);
+    void showTheme(bool dark);
     void onPingUpdated(float latencyMs);
     void onLicenseWarning(const QString &message);
     void onUserAction(const QString &action, const QString &callsign, int userId, const QString &room);

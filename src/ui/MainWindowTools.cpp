@@ -45,13 +45,13 @@ void MainWindow::onToggleTheme()
     const bool dark = m_actions->darkTheme->isChecked();
     Config::instance().setValue(QStringLiteral("dark_theme"), dark);
     Config::instance().save();
-    applyTheme(dark);
+    Theme::apply(*qApp, dark);
+    showTheme(dark);
 }
 
-void MainWindow::applyTheme(bool dark)
+void MainWindow::showTheme(bool dark)
 {
     m_actions->showTheme(dark);
-    Theme::apply(*qApp, dark);
     m_roomPanel->applyTheme(dark);
     m_controlPanel->applyTheme(dark);
 }
