@@ -8,7 +8,7 @@
 
 namespace {
 
-constexpr qint64 kUnsentLimit = 4 * 1024 * 1024; // bytes; a client that does not read is dropped
+constexpr qint64 kUnsentLimit = 4LL * 1024 * 1024; // bytes; a client that does not read is dropped
 
 } // namespace
 

@@ -3,6 +3,7 @@
 #include "app/Config.h"
 #include "gateway/LoginFlow.h"
 #include "net/TcpClient.h"
+#include "net/protocol/Commands.h"
 #include "ui/MainWindow.h"
 #include "ui/Prompts.h"
 
@@ -139,7 +140,7 @@ void MainWindow::offerDeviceReset()
     const QString callsign = Config::instance().callsign();
     if (callsign.isEmpty() || !m_client->isConnected())
         return;
-    m_client->sendCommand(QStringLiteral("USER_REQUEST_HWID_RESET \"%1\"").arg(callsign));
+    m_client->sendCommand(Commands::requestDeviceReset(callsign));
     m_prompts.information(QStringLiteral("Permintaan Terkirim"),
                           QStringLiteral("Permintaan reset HWID telah dikirim.\n"
                                          "Hubungi administrator untuk mempercepat proses."));

@@ -5,6 +5,7 @@
 #include "gateway/RelayRules.h"
 #include "net/TcpClient.h"
 #include "net/UdpAudio.h"
+#include "net/protocol/Commands.h"
 #include "radio/SerialManager.h"
 #include "ui/MainActions.h"
 #include "ui/MainWindow.h"
@@ -89,7 +90,7 @@ void MainWindow::onCosChanged(bool active)
 
 void MainWindow::startTransmission()
 {
-    m_client->sendCommand(QStringLiteral("TX_START \"%1\"").arg(m_roomPanel->currentRoom()));
+    m_client->sendCommand(Commands::startTransmit(m_roomPanel->currentRoom()));
     m_transmitting = true;
 }
 

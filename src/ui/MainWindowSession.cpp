@@ -7,6 +7,7 @@
 #include "gateway/LoginFlow.h"
 #include "net/TcpClient.h"
 #include "net/UdpAudio.h"
+#include "net/protocol/Commands.h"
 #include "radio/SerialManager.h"
 #include "ui/MainActions.h"
 #include "ui/MainWindow.h"
@@ -142,10 +143,10 @@ void MainWindow::onLoginSucceeded()
     qDebug() << "[MainWindow] UDP user ID set to:" << userId;
     restartUdp();
 
-    m_client->sendCommand(QStringLiteral("GET_AUDIO_QUALITY"));
+    m_client->sendCommand(Commands::audioQuality());
     qDebug() << "[MainWindow] Requested audio quality from server";
-    m_client->sendCommand(QStringLiteral("ROOMS"));
-    m_client->sendCommand(QStringLiteral("USER_GET_PROFILE"));
+    m_client->sendCommand(Commands::rooms());
+    m_client->sendCommand(Commands::profile());
 
     qDebug() << "[MainWindow] Admin access:" << isAdmin;
     m_actions->setAdmin(isAdmin);
@@ -252,13 +253,12 @@ void MainWindow::onRoomKeyReceived(const QString &key)
 
 void MainWindow::onLeaveRoom()
 {
-    const QString leave = QStringLiteral("LEAVE");
-    m_client->sendCommand(leave);
+    m_client->sendCommand(Commands::leave());
     if (m_engine->isCapturing()) {
         m_engine->stopCapture();
         qDebug() << "[MainWindow] Capture stopped (left room)";
     }
-    m_client->sendCommand(leave); // the command goes out twice on purpose
+    m_client->sendCommand(Commands::leave()); // the command goes out twice on purpose
     forgetRoom();
     m_actions->apply(ConnectionState::LeftRoom);
     showStatus(QStringLiteral("Left room"));
@@ -266,7 +266,7 @@ void MainWindow::onLeaveRoom()
 
 void MainWindow::onPanelLeave()
 {
-    m_client->sendCommand(QStringLiteral("LEAVE"));
+    m_client->sendCommand(Commands::leave());
     forgetRoom();
     m_actions->apply(ConnectionState::LeftRoom);
     showStatus(QStringLiteral("Left room"));

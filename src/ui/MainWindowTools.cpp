@@ -3,6 +3,7 @@
 #include "app/Config.h"
 #include "audio/AudioEngine.h"
 #include "net/TcpClient.h"
+#include "net/protocol/Commands.h"
 #include "ui/MainActions.h"
 #include "ui/MainWindow.h"
 #include "ui/Theme.h"
@@ -71,12 +72,11 @@ void MainWindow::onLicenseWarning(const QString &message)
 void MainWindow::onUserAction(const QString &action, const QString &callsign, int userId, const QString &room)
 {
     qDebug().noquote() << "[RoomPanel] User action:" << action;
-    const QString id = QString::number(userId);
     const QHash<QString, std::function<void()>> effects{
         {QStringLiteral("approve"), [&] { m_client->approveUser(userId); }},
         {QStringLiteral("revoke"), [&] { m_client->unapproveUser(userId); }},
-        {QStringLiteral("kick"), [&] { m_client->sendCommand(QStringLiteral("ADMIN_KICK ") + id); }},
-        {QStringLiteral("ban"), [&] { m_client->sendCommand(QStringLiteral("ADMIN_BAN ") + id); }},
+        {QStringLiteral("kick"), [&] { m_client->sendCommand(Commands::kick(userId)); }},
+        {QStringLiteral("ban"), [&] { m_client->sendCommand(Commands::ban(userId)); }},
         {QStringLiteral("mute"), [&] { muteUser(callsign, userId, true); }},
         {QStringLiteral("unmute"), [&] { muteUser(callsign, userId, false); }},
         {QStringLiteral("move"), [&] { moveUser(callsign, userId, room); }},
@@ -101,7 +101,7 @@ void MainWindow::moveUser(const QString &callsign, int userId, const QString &ro
         m_client->joinRoom(room);
         showStatus(QStringLiteral("Moving to %1...").arg(room));
     } else {
-        m_client->sendCommand(QStringLiteral("ADMIN_MOVE %1 %2").arg(QString::number(userId), room));
+        m_client->sendCommand(Commands::move(userId, room));
         showStatus(QStringLiteral("Moving %1 to %2...").arg(callsign, room));
     }
 }
@@ -109,7 +109,7 @@ void MainWindow::moveUser(const QString &callsign, int userId, const QString &ro
 void MainWindow::requestUserInfo(const QString &callsign)
 {
     m_infoRequest = callsign;
-    m_client->sendCommand(QStringLiteral("USER_GET_INFO ") + callsign);
+    m_client->sendCommand(Commands::userInfo(callsign));
     showStatus(QStringLiteral("Memuat info %1...").arg(callsign));
 }
 

@@ -78,7 +78,7 @@ PromptReply WidgetPrompts::showInput(const Prompt &prompt)
     const bool accepted = dialog->exec() == QDialog::Accepted;
     if (!dialog)
         return {};
-    const PromptReply reply{accepted, dialog->textValue(), dialog->intValue()};
+    PromptReply reply{accepted, dialog->textValue(), dialog->intValue()};
     delete dialog;
     return reply;
 }
