@@ -28,7 +28,7 @@ PasswordPage::PasswordPage(const GatewayData &proposal, QWidget *parent)
 QWidget *PasswordPage::createPasswordGroup(const GatewayData &proposal)
 {
     auto *group = new QGroupBox(QStringLiteral("Password Gateway"), this);
-    m_password = new QLineEdit(group);
+    m_password = new QLineEdit(proposal.password, group);
     m_password->setObjectName(QStringLiteral("passwordEdit"));
     m_password->setEchoMode(QLineEdit::Password);
     m_password->setPlaceholderText(QStringLiteral("Min. 8 karakter"));
@@ -39,7 +39,6 @@ QWidget *PasswordPage::createPasswordGroup(const GatewayData &proposal)
     auto *generate = new QPushButton(QStringLiteral("Generate Password"), group);
     generate->setObjectName(QStringLiteral("generateButton"));
     registerField(QStringLiteral("password*"), m_password);
-    m_password->setText(proposal.password); // after the field, which counts as filled once it differs from its start
 
     connect(show, &QCheckBox::toggled, m_password,
             [this](bool on) { m_password->setEchoMode(on ? QLineEdit::Normal : QLineEdit::Password); });
@@ -99,6 +98,12 @@ QString PasswordPage::reviewOf(const GatewayData &data)
         QStringLiteral("WA      : ") + data.whatsapp,
     };
     return lines.join(QLatin1Char('\n'));
+}
+
+// A mandatory field is only complete when it differs from what it began with; an earlier attempt's password need not.
+bool PasswordPage::isComplete() const
+{
+    return !m_password->text().isEmpty();
 }
 
 void PasswordPage::initializePage()

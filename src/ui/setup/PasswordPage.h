@@ -21,6 +21,8 @@ public:
     [[nodiscard]] static QString generatePassword();
     [[nodiscard]] static QString reviewOf(const GatewayData &data);
 
+    [[nodiscard]] bool isComplete() const override;
+
     void initializePage() override;
 
 private:

@@ -93,6 +93,14 @@ void SetupWizard::cleanupPage(int id)
     Q_UNUSED(id) // going back keeps what was typed
 }
 
+void SetupWizard::done(int result)
+{
+    if (result == Rejected)
+        QDialog::done(result); // the wizard's own would go back to the first page
+    else
+        QWizard::done(result);
+}
+
 void SetupWizard::showLogin()
 {
     const QPointer<SetupWizard> self(this);

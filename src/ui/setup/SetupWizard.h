@@ -26,6 +26,7 @@ public:
     [[nodiscard]] GatewayData gatewayData() const;
 
     void cleanupPage(int id) override;
+    void done(int result) override;
 
 signals:
     /// Never emitted: whoever shows the wizard reads gatewayData() once it is accepted.
