@@ -2,11 +2,11 @@
 
 #include "server/AudioPresets.h"
 #include "server/Command.h"
+#include "server/ListenAddress.h"
 #include "server/Session.h"
 
 #include <QDebug>
 #include <QElapsedTimer>
-#include <QHostAddress>
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <QTcpSocket>
@@ -54,7 +54,7 @@ bool ControlServer::start(const Options &options, QString *error)
             static_cast<void>(m_store->addRoom({clean, 0})); // one that is there stays as it is
     }
     loadRooms();
-    if (!m_tcp.listen(QHostAddress(options.address), options.port)) {
+    if (!m_tcp.listen(listenAddress(options.address), options.port)) {
         *error = m_tcp.errorString();
         return false;
     }
