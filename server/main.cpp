@@ -85,7 +85,7 @@ int serve(AccountStore *store, const QCommandLineParser &parser)
     options.udpPort = parser.value(QStringLiteral("udp-port")).toUShort();
     options.rooms = parser.values(QStringLiteral("room"));
     if (options.rooms.isEmpty() && store->rooms().isEmpty())
-        options.rooms.append(QStringLiteral("Lobby"));
+        options.rooms.append(QStringLiteral("== LOBBY ==")); // what a new client asks for
     ControlServer server(store);
     QString error;
     if (!server.start(options, &error))
