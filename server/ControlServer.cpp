@@ -53,6 +53,7 @@ bool ControlServer::start(const Options &options, QString *error)
         if (!clean.isEmpty())
             static_cast<void>(m_store->addRoom({clean, 0})); // one that is there stays as it is
     }
+    m_autoApprove = options.autoApprove;
     loadRooms();
     if (!m_tcp.listen(listenAddress(options.address), options.port)) {
         *error = m_tcp.errorString();
@@ -176,5 +177,6 @@ void ControlServer::sendQuality(Session &session)
 
 void ControlServer::audit(const Session &session, const QString &text) const
 {
-    qInfo().noquote() << session.account().callsign << session.address() << text;
+    const QString who = session.isLoggedIn() ? session.account().callsign : QStringLiteral("-");
+    qInfo().noquote() << who << session.address() << text;
 }

@@ -84,6 +84,7 @@ int serve(AccountStore *store, const QCommandLineParser &parser)
     options.port = parser.value(QStringLiteral("port")).toUShort();
     options.udpPort = parser.value(QStringLiteral("udp-port")).toUShort();
     options.rooms = parser.values(QStringLiteral("room"));
+    options.autoApprove = parser.isSet(QStringLiteral("auto-approve"));
     if (options.rooms.isEmpty() && store->rooms().isEmpty())
         options.rooms.append(QStringLiteral("== LOBBY ==")); // what a new client asks for
     ControlServer server(store);
@@ -121,6 +122,10 @@ void describe(QCommandLineParser *parser)
     option("port", "TCP port of the control connections, 0 for any.", "port", "8080");
     option("udp-port", "UDP port of the audio, 0 for any. Clients expect 8082.", "port", "8082");
     option("room", "A room that is made where missing; may be repeated.", "name");
+    const QString autoApprove =
+        QStringLiteral("Gateways that register may transmit at once; without it they wait for an "
+                       "administrator.");
+    parser->addOption({QStringLiteral("auto-approve"), autoApprove});
     option("password", "add-user, set-password: the password.", "text");
     option("name", "add-user: the name of the person responsible.", "text");
     option("gateway", "add-user: the name of the gateway station.", "text");
