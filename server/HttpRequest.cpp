@@ -116,15 +116,17 @@ bool readTarget(QByteArray target, HttpRequest *request)
     return true;
 }
 
+HttpRequest inState(HttpRequest::State state)
+{
+    HttpRequest request;
+    request.state = state;
+    return request;
+}
+
 } // namespace
 
 HttpRequest HttpRequest::parse(const QByteArray &bytes)
 {
-    const auto inState = [](State state) {
-        HttpRequest request;
-        request.state = state;
-        return request;
-    };
     QList<QByteArray> lines;
     int size = bytes.size();
     const bool isWhole = headLines(bytes, &lines, &size);
