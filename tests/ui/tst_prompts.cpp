@@ -24,6 +24,7 @@ private slots:
     void inputs();
     void windowThatGoesUnderABoxCancelsIt();
     void windowThatGoesUnderAnInputCancelsIt();
+    void boxDoesNotHideWithTheWindow();
 };
 
 namespace {
@@ -206,6 +207,7 @@ void PromptsTest::inputs()
 void PromptsTest::windowThatGoesUnderABoxCancelsIt()
 {
     auto *window = new QWidget;
+    window->show();
     WidgetPrompts prompts;
     prompts.setWindow(window);
     whenOpen<QMessageBox>([window](QMessageBox *box) {
@@ -218,10 +220,23 @@ void PromptsTest::windowThatGoesUnderABoxCancelsIt()
 void PromptsTest::windowThatGoesUnderAnInputCancelsIt()
 {
     auto *window = new QWidget;
+    window->show();
     WidgetPrompts prompts;
     prompts.setWindow(window);
     whenOpen<QInputDialog>([window](QInputDialog *) { delete window; });
     QVERIFY(!prompts.password(kTitle, QStringLiteral("Password:")));
+}
+
+void PromptsTest::boxDoesNotHideWithTheWindow()
+{
+    QWidget window;
+    WidgetPrompts prompts;
+    prompts.setWindow(&window);
+    whenOpen<QMessageBox>([](QMessageBox *box) {
+        QVERIFY(!box->parentWidget());
+        box->accept();
+    });
+    prompts.information(kTitle, QStringLiteral("Done"));
 }
 
 Q_DECLARE_METATYPE(Prompt::Kind)
