@@ -60,30 +60,48 @@ void show(QAction *action, Change change)
 MainActions::MainActions(QMainWindow *window)
     : QObject(window)
 {
-    createMenus(window);
+    createFileMenu(window);
+    createViewMenu(window);
+    createProfileMenu(window);
+    createRoomMenu(window);
+    createSerialMenu(window);
+    createHelpMenu(window);
     createToolbar(window);
     apply(ConnectionState::Disconnected);
     setAdmin(false);
 }
 
-void MainActions::createMenus(QMainWindow *window)
+void MainActions::createFileMenu(QMainWindow *window)
 {
     QMenu *file = window->menuBar()->addMenu(QStringLiteral("&File"));
     connectToServer =
         addItem(file, {"connectToServer", "&Connect to Server", "Ctrl+Shift+C", "Connect to eVOX SINAR server"});
     disconnectFromServer =
         addItem(file, {"disconnectFromServer", "&Disconnect from Server", "Ctrl+Shift+D", "Disconnect from server"});
+    settings = addItem(file, {"settings", "&Settings", "Ctrl+,", "Configure application settings"});
     adminPanel = new QAction(QStringLiteral("&Admin Panel"), this);
     adminPanel->setObjectName(QStringLiteral("adminPanel"));
     adminPanel->setStatusTip(QStringLiteral("Open admin panel (admin only)"));
     file->addSeparator();
     exit = addItem(file, {"exit", "E&xit", "Alt+F4", "Exit application"});
+}
 
+void MainActions::createViewMenu(QMainWindow *window)
+{
     QMenu *view = window->menuBar()->addMenu(QStringLiteral("&View"));
     darkTheme = addItem(view, {"darkTheme", "&Dark Theme", "", "Toggle between light and dark theme"});
     darkTheme->setCheckable(true);
+}
 
-    createRoomMenu(window);
+void MainActions::createProfileMenu(QMainWindow *window)
+{
+    QMenu *profile = window->menuBar()->addMenu(QStringLiteral("&Profile"));
+    viewProfile = addItem(profile, {"viewProfile", "&View Profile", "", "View your profile information"});
+    editProfile = addItem(profile, {"editProfile", "&Edit Profile", "", "Edit your profile"});
+    changePassword = addItem(profile, {"changePassword", "&Change Password", "", "Change your password"});
+    profile->addSeparator();
+    resetDevice =
+        addItem(profile, {"resetDevice", "&Reset HWID (Ganti Perangkat)", "", "Reset hardware ID for new device"});
 }
 
 void MainActions::createRoomMenu(QMainWindow *window)
@@ -101,6 +119,25 @@ void MainActions::createRoomMenu(QMainWindow *window)
     room->addSeparator();
     moveToRoom = room->addMenu(icon("move_room"), QStringLiteral("&Move to Room"));
     moveToRoom->setObjectName(QStringLiteral("moveToRoom"));
+}
+
+void MainActions::createSerialMenu(QMainWindow *window)
+{
+    QMenu *serial = window->menuBar()->addMenu(QStringLiteral("&Serial"));
+    serialConfiguration = addItem(serial, {"serialConfiguration", "&Serial Configuration", "Ctrl+Shift+P",
+                                           "Configure serial port for PTT/COS"});
+}
+
+void MainActions::createHelpMenu(QMainWindow *window)
+{
+    QMenu *help = window->menuBar()->addMenu(QStringLiteral("&Help"));
+    about = addItem(help, {"about", "&About e-VOX SINAR", "", "About this application"});
+    checkForUpdates = addItem(help, {"checkForUpdates", "&Check for Updates", "", "Check for new version"});
+    documentation = addItem(help, {"documentation", "&Documentation", "", "Open online documentation"});
+    tutorial = addItem(help, {"tutorial", "&Tutorial", "", "Open online tutorial"});
+    help->addSeparator();
+    openLogFolder =
+        addItem(help, {"openLogFolder", "Buka Folder &Log", "", "Buka folder berkas log untuk laporan masalah"});
 }
 
 void MainActions::createToolbar(QMainWindow *window)
@@ -122,6 +159,8 @@ void MainActions::createToolbar(QMainWindow *window)
     bar->addSeparator();
     toolbarJoin = addTool(bar, "toolbarJoin", "JOIN", "join_room", "Join Room");
     toolbarLeave = addTool(bar, "toolbarLeave", "LEAVE", "leave_room", "Leave Room");
+    bar->addSeparator();
+    toolbarSettings = addTool(bar, "toolbarSettings", "Settings", "settings", "Settings");
 }
 
 void MainActions::apply(ConnectionState state)
@@ -196,6 +235,13 @@ void MainActions::showSerialPort(const QString &portName)
     serialIndicator->setIcon(icon(open ? "serial_on" : "serial_off"));
     serialIndicator->setToolTip(open ? QStringLiteral("Serial: ") + portName : QStringLiteral("Serial Not Configured"));
     serialIndicator->setEnabled(open);
+}
+
+void MainActions::showSerialConfigured(const QString &portName)
+{
+    serialIndicator->setIcon(icon("serial_on"));
+    serialIndicator->setToolTip(QStringLiteral("Serial Configured: ") + portName);
+    serialIndicator->setEnabled(true);
 }
 
 void MainActions::showTheme(bool dark)

@@ -30,19 +30,32 @@ public:
     void showSpeakerMuted(bool muted);
     /// The port that was opened at start, or an empty name for none.
     void showSerialPort(const QString &portName);
+    /// The port that was chosen for the next opening.
+    void showSerialConfigured(const QString &portName);
     void showTheme(bool dark);
 
     QAction *connectToServer = nullptr;
     QAction *disconnectFromServer = nullptr;
+    QAction *settings = nullptr;
     /// Follows the account's rights; joins the menu together with the panel that it opens.
     QAction *adminPanel = nullptr;
     QAction *exit = nullptr;
     QAction *darkTheme = nullptr;
+    QAction *viewProfile = nullptr;
+    QAction *editProfile = nullptr;
+    QAction *changePassword = nullptr;
+    QAction *resetDevice = nullptr;
     QAction *joinRoom = nullptr;
     QAction *leaveRoom = nullptr;
     QAction *muteMicrophone = nullptr;
     QAction *muteSpeaker = nullptr;
     QMenu *moveToRoom = nullptr;
+    QAction *serialConfiguration = nullptr;
+    QAction *about = nullptr;
+    QAction *checkForUpdates = nullptr;
+    QAction *documentation = nullptr;
+    QAction *tutorial = nullptr;
+    QAction *openLogFolder = nullptr;
 
     QAction *connectionIndicator = nullptr;
     QAction *serialIndicator = nullptr;
@@ -51,13 +64,18 @@ public:
     QAction *toolbarSpeaker = nullptr;
     QAction *toolbarJoin = nullptr;
     QAction *toolbarLeave = nullptr;
+    QAction *toolbarSettings = nullptr;
 
 signals:
     /// A room of the "Move to Room" menu was chosen.
     void roomChosen(const QString &room);
 
 private:
-    void createMenus(QMainWindow *window);
+    void createFileMenu(QMainWindow *window);
+    void createViewMenu(QMainWindow *window);
+    void createProfileMenu(QMainWindow *window);
     void createRoomMenu(QMainWindow *window);
+    void createSerialMenu(QMainWindow *window);
+    void createHelpMenu(QMainWindow *window);
     void createToolbar(QMainWindow *window);
 };
