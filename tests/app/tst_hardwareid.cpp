@@ -1,36 +1,13 @@
 #include "app/HardwareId.h"
+#include "support/FakeProgram.h"
 #include "support/TestMain.h"
 
 #include <QCryptographicHash>
-#include <QFile>
 #include <QNetworkInterface>
 #include <QRegularExpression>
 #include <QSysInfo>
-#include <QTemporaryDir>
 
 namespace {
-
-// A program of that name on PATH, as the tests' own "wmic".
-class FakeWmic final
-{
-public:
-    explicit FakeWmic(const QByteArray &script)
-        : m_path(qgetenv("PATH"))
-    {
-        QFile file(m_folder.filePath(QStringLiteral("wmic")));
-        if (file.open(QIODevice::WriteOnly))
-            file.write("#!/bin/sh\n" + script);
-        file.setPermissions(QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
-        file.close();
-        qputenv("PATH", QFile::encodeName(m_folder.path()) + ':' + m_path);
-    }
-    ~FakeWmic() { qputenv("PATH", m_path); }
-    Q_DISABLE_COPY_MOVE(FakeWmic)
-
-private:
-    QTemporaryDir m_folder;
-    QByteArray m_path;
-};
 
 QString expectedFor(const QString &processor)
 {
@@ -115,7 +92,7 @@ void HardwareIdTest::readsWmic()
 
 void HardwareIdTest::usesTheProcessorThatWmicNames()
 {
-    const FakeWmic wmic("[ \"$*\" = 'cpu get ProcessorId' ] && printf 'ProcessorId\\r\\n0123456789ABCDEF  \\r\\n'\n");
+    const FakeProgram wmic(QStringLiteral("wmic"), "[ \"$*\" = 'cpu get ProcessorId' ] && printf 'ProcessorId\\r\\n0123456789ABCDEF  \\r\\n'\n");
     QCOMPARE(generateHardwareId(), expectedFor(QStringLiteral("0123456789ABCDEF")));
 }
 
@@ -130,7 +107,7 @@ void HardwareIdTest::fallsBackToTheArchitecture_data()
 void HardwareIdTest::fallsBackToTheArchitecture()
 {
     QFETCH(QByteArray, script);
-    const FakeWmic wmic(script);
+    const FakeProgram wmic(QStringLiteral("wmic"), script);
     QCOMPARE(generateHardwareId(), expectedFor(QSysInfo::currentCpuArchitecture()));
 }
 
