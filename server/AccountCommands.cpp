@@ -59,12 +59,12 @@ void ControlServer::login(Session &session, const Command &command)
         refuse(QStringLiteral("Terlalu banyak percobaan login, coba lagi nanti"));
         return;
     }
-    const QString hwid = command.argument(2).left(kLongestHwid);
+    const QString hwid = command.argument(2).left(kLongestHwid).trimmed();
     auto account = m_store->account(command.argument(0).toUpper());
     const QString refusal =
         account ? refusalFor(&*account, command.argument(1), hwid) : QStringLiteral("Callsign tidak terdaftar");
     if (!refusal.isEmpty()) {
-        m_guard.failed(session.address(), m_clock());
+        m_guard.count(session.address(), m_clock());
         refuse(refusal);
         return;
     }
@@ -141,7 +141,7 @@ void ControlServer::changePassword(Session &session, const Command &command)
     if (!m_guard.mayTry(session.address(), m_clock())) {
         fail(QStringLiteral("Terlalu banyak percobaan, coba lagi nanti"));
     } else if (!Passwords::matches(account.passwordHash, command.argument(0))) {
-        m_guard.failed(session.address(), m_clock());
+        m_guard.count(session.address(), m_clock());
         fail(QStringLiteral("Password lama salah"));
     } else if (command.argument(1).size() < kShortestPassword) {
         fail(QStringLiteral("Password minimal %1 karakter").arg(kShortestPassword));
@@ -162,7 +162,7 @@ void ControlServer::requestDeviceReset(Session &session, const Command &command)
     const QString callsign = session.isLoggedIn() ? session.account().callsign : command.argument(0).toUpper();
     auto account = m_store->account(callsign);
     if (!session.isLoggedIn())
-        m_guard.failed(session.address(), m_clock()); // anybody may ask, but not without end
+        m_guard.count(session.address(), m_clock()); // anybody may ask, but not without end
     if (account && !account->resetRequested) {
         account->resetRequested = true;
         store(*account);
@@ -196,11 +196,4 @@ void ControlServer::onlineUsers(Session &session, const Command &command)
                            .join(QLatin1Char(',')));
     }
     session.send(QStringLiteral("ONLINE_USERS|") + entries.join(QLatin1Char(';')));
-}
-
-/// New gateways are entered by the operator of the server with add-user; applications by network are not taken yet.
-void ControlServer::registerGateway(Session &session, const Command &command)
-{
-    Q_UNUSED(command)
-    session.send(QStringLiteral("REGISTER_FAILED|Pendaftaran lewat jaringan belum tersedia di server ini"));
 }

@@ -2,11 +2,11 @@
 
 #include "server/AudioPresets.h"
 #include "server/Command.h"
+#include "server/ListenAddress.h"
 #include "server/Session.h"
 
 #include <QDebug>
 #include <QElapsedTimer>
-#include <QHostAddress>
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <QTcpSocket>
@@ -53,8 +53,9 @@ bool ControlServer::start(const Options &options, QString *error)
         if (!clean.isEmpty())
             static_cast<void>(m_store->addRoom({clean, 0})); // one that is there stays as it is
     }
+    m_autoApprove = options.autoApprove;
     loadRooms();
-    if (!m_tcp.listen(QHostAddress(options.address), options.port)) {
+    if (!m_tcp.listen(listenAddress(options.address), options.port)) {
         *error = m_tcp.errorString();
         return false;
     }
@@ -176,5 +177,6 @@ void ControlServer::sendQuality(Session &session)
 
 void ControlServer::audit(const Session &session, const QString &text) const
 {
-    qInfo().noquote() << session.account().callsign << session.address() << text;
+    const QString who = session.isLoggedIn() ? session.account().callsign : QStringLiteral("-");
+    qInfo().noquote() << who << session.address() << text;
 }

@@ -32,6 +32,7 @@ public:
         quint16 port = 8080;                    ///< TCP; 0: any
         quint16 udpPort = 8082;                 ///< 0: any
         QStringList rooms;                      ///< made where missing
+        bool autoApprove = false;               ///< gateways that register may transmit at once
     };
     /// How long one talker may hold a room.
     static constexpr qint64 kTalkLimit = 300000; // milliseconds
@@ -83,7 +84,11 @@ private:
     void requestDeviceReset(Session &session, const Command &command);
     void getQuality(Session &session, const Command &command);
     void onlineUsers(Session &session, const Command &command);
+
+    // RegistrationCommands.cpp
     void registerGateway(Session &session, const Command &command);
+    [[nodiscard]] bool mayRegister(const Session &session);
+    [[nodiscard]] QString enroll(const Command &command);
 
     // RoomCommands.cpp
     void rooms(Session &session, const Command &command);
@@ -126,6 +131,8 @@ private:
     QTcpServer m_tcp;
     UdpRelay m_relay;
     LoginGuard m_guard;
+    LoginGuard m_registrationGuard;
+    bool m_autoApprove = false;
     std::function<qint64()> m_clock;
     QTimer m_talkTimer;
     QList<Session *> m_sessions;

@@ -1,6 +1,7 @@
 // For systems without the calls of the other implementation.
 
 #include "server/DatagramSocket.h"
+#include "server/ListenAddress.h"
 
 #include <QHash>
 #include <QHostAddress>
@@ -46,7 +47,7 @@ DatagramSocket::~DatagramSocket() = default;
 
 bool DatagramSocket::bind(const QString &address, quint16 port, QString *error)
 {
-    const bool bound = d->socket.bind(QHostAddress(address), port, QUdpSocket::DontShareAddress);
+    const bool bound = d->socket.bind(listenAddress(address), port, QUdpSocket::DontShareAddress);
     if (!bound)
         *error = d->socket.errorString();
     return bound;

@@ -9,7 +9,7 @@ bool LoginGuard::mayTry(const QString &address, qint64 now)
     return std::count_if(times.cbegin(), times.cend(), [now](qint64 time) { return now - time < kWindow; }) < kFailures;
 }
 
-void LoginGuard::failed(const QString &address, qint64 now)
+void LoginGuard::count(const QString &address, qint64 now)
 {
     QVector<qint64> &times = m_failures[address];
     times.append(now);

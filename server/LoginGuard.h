@@ -4,8 +4,8 @@
 #include <QString>
 #include <QVector>
 
-/// Slows down guessing: after kFailures refused logins within kWindow an address has to wait. Times are milliseconds
-/// on any steady clock.
+/// Slows down guessing and flooding: after kFailures refused logins, or as many registrations, within kWindow an
+/// address has to wait. Times are milliseconds on any steady clock.
 class LoginGuard final
 {
 public:
@@ -13,7 +13,8 @@ public:
     static constexpr qint64 kWindow = 60000;
 
     [[nodiscard]] bool mayTry(const QString &address, qint64 now);
-    void failed(const QString &address, qint64 now);
+    /// One more try that counts.
+    void count(const QString &address, qint64 now);
 
 private:
     void forgetOld(qint64 now);

@@ -2,9 +2,13 @@
 #include "server/Command.h"
 #include "server/ControlServer.h"
 #include "server/Passwords.h"
+#include "server/WebServer.h"
+#include "server/WebSite.h"
 
 #include <QCommandLineParser>
 #include <QCoreApplication>
+#include <QDebug>
+#include <QFile>
 #include <QTextStream>
 #include <QTimer>
 
@@ -77,22 +81,73 @@ int runCommand(AccountStore *store, const QCommandLineParser &parser)
     return complain(QStringLiteral("unknown command ") + word);
 }
 
-int serve(AccountStore *store, const QCommandLineParser &parser)
+bool readFile(const QString &path, qint64 largest, QByteArray *bytes, QString *error)
 {
-    ControlServer::Options options;
-    options.address = parser.value(QStringLiteral("listen"));
-    options.port = parser.value(QStringLiteral("port")).toUShort();
-    options.udpPort = parser.value(QStringLiteral("udp-port")).toUShort();
-    options.rooms = parser.values(QStringLiteral("room"));
-    if (options.rooms.isEmpty() && store->rooms().isEmpty())
-        options.rooms.append(QStringLiteral("Lobby"));
-    ControlServer server(store);
-    QString error;
-    if (!server.start(options, &error))
-        return complain(error);
-    std::printf("evox-server ready: tcp %d udp %d\n", server.port(), server.udpPort());
-    std::fflush(stdout);
+    QFile file(path);
+    if (!file.open(QIODevice::ReadOnly)) {
+        *error = path + QStringLiteral(": ") + file.errorString();
+        return false;
+    }
+    *bytes = file.read(largest + 1);
+    const bool fits = bytes->size() <= largest;
+    if (!fits)
+        *error = path + QStringLiteral(": longer than %1 bytes").arg(largest);
+    return fits;
+}
 
+bool loadRegistry(const QString &path, CallsignRegistry *registry, QString *error)
+{
+    if (path.isEmpty()) {
+        *registry = CallsignRegistry::sample();
+        return true;
+    }
+    QByteArray bytes;
+    if (!readFile(path, CallsignRegistry::kLargestFile, &bytes, error))
+        return false;
+    const auto loaded = CallsignRegistry::fromJson(bytes, error);
+    if (loaded)
+        *registry = *loaded;
+    else
+        error->prepend(path + QStringLiteral(": "));
+    return loaded.has_value();
+}
+
+bool loadUpdate(const QString &path, QByteArray *update, QString *error)
+{
+    if (path.isEmpty()) {
+        *update = WebSite::plainUpdate(QStringLiteral(EVOX_VERSION), QStringLiteral(EVOX_BUILD_DATE));
+        return true;
+    }
+    if (!readFile(path, WebSite::kLargestUpdate, update, error))
+        return false;
+    const QString problem = WebSite::updateProblem(*update);
+    if (!problem.isEmpty())
+        *error = path + QStringLiteral(": ") + problem;
+    return problem.isEmpty();
+}
+
+/// False, with the reason, when the web server was asked for and cannot be had. The default port may be taken: clubs
+/// run without it.
+bool openWebServer(WebServer *web, const QCommandLineParser &parser, QString *error)
+{
+    const QString option = QStringLiteral("http-port");
+    bool isNumber = false;
+    const quint16 port = parser.value(option).toUShort(&isNumber);
+    if (!isNumber) {
+        *error = QStringLiteral("--http-port: not a port");
+        return false;
+    }
+    if (port == 0 || web->listen(parser.value(QStringLiteral("listen")), port, error))
+        return true;
+    *error = QStringLiteral("HTTP port %1: %2").arg(QString::number(port), *error);
+    if (parser.isSet(option))
+        return false;
+    qWarning().noquote() << *error << "- serving without";
+    return true;
+}
+
+int runUntilStopped()
+{
     std::signal(SIGTERM, [](int) { s_stop = 1; });
     std::signal(SIGINT, [](int) { s_stop = 1; });
     QTimer stopCheck; // a signal handler may do no more than set a flag
@@ -102,6 +157,32 @@ int serve(AccountStore *store, const QCommandLineParser &parser)
     });
     stopCheck.start(100);
     return QCoreApplication::exec();
+}
+
+int serve(AccountStore *store, const QCommandLineParser &parser)
+{
+    ControlServer::Options options;
+    options.address = parser.value(QStringLiteral("listen"));
+    options.port = parser.value(QStringLiteral("port")).toUShort();
+    options.udpPort = parser.value(QStringLiteral("udp-port")).toUShort();
+    options.rooms = parser.values(QStringLiteral("room"));
+    options.autoApprove = parser.isSet(QStringLiteral("auto-approve"));
+    if (options.rooms.isEmpty() && store->rooms().isEmpty())
+        options.rooms.append(QStringLiteral("== LOBBY ==")); // what a new client asks for
+    WebSite::Content content;
+    QString error;
+    content.quotedRegistry = parser.isSet(QStringLiteral("registry-quoted"));
+    if (!loadRegistry(parser.value(QStringLiteral("registry")), &content.registry, &error) ||
+        !loadUpdate(parser.value(QStringLiteral("update")), &content.update, &error))
+        return complain(error);
+    const WebSite site(content);
+    ControlServer server(store);
+    WebServer web([&site](const HttpRequest &request) { return site.answer(request); });
+    if (!server.start(options, &error) || !openWebServer(&web, parser, &error))
+        return complain(error);
+    std::printf("evox-server ready: tcp %d udp %d http %d\n", server.port(), server.udpPort(), web.port());
+    std::fflush(stdout);
+    return runUntilStopped();
 }
 
 void describe(QCommandLineParser *parser)
@@ -116,11 +197,30 @@ void describe(QCommandLineParser *parser)
         parser->addOption({QString::fromLatin1(name), QString::fromLatin1(text), QString::fromLatin1(value),
                            QString::fromLatin1(fallback)});
     };
-    option("database", "SQLite file, made on the first start.", "file", "evox-server.sqlite");
-    option("listen", "Address to listen on, :: for all.", "address", "::");
-    option("port", "TCP port of the control connections, 0 for any.", "port", "8080");
-    option("udp-port", "UDP port of the audio, 0 for any. Clients expect 8082.", "port", "8082");
-    option("room", "A room that is made where missing; may be repeated.", "name");
+    const auto flag = [parser](const char *name, const char *text) {
+        parser->addOption({QString::fromLatin1(name), QString::fromLatin1(text)});
+    };
+    option("database", "SQLite file, made on the first start; by default evox-server.sqlite.", "file",
+           "evox-server.sqlite");
+    option("listen", "Address to listen on; by default ::, for all.", "address", "::");
+    option("port", "TCP port of the control connections, by default 8080; 0 for any.", "port", "8080");
+    option("udp-port", "UDP port of the audio, by default 8082, which clients expect; 0 for any.", "port", "8082");
+    option("http-port",
+           "TCP port of the registry and update pages, by default 8088; 0 for none. Unless it is given here, the "
+           "server also runs when "
+           "the port is taken.",
+           "port", "8088");
+    option("registry",
+           "JSON file of callsigns for new gateways: an array of objects with callsign, name, address, validity, "
+           "status; without it a sample of invented ones.",
+           "file");
+    option("update",
+           "JSON file of the update document, with version, build_date, changelog, download_url_x64, "
+           "download_url_x86; without it this server's version and no downloads.",
+           "file");
+    flag("registry-quoted", "Answers registry requests with one quoted text, escapes and all.");
+    flag("auto-approve", "Gateways that register may transmit at once; without it they wait for an administrator.");
+    option("room", "A room that is made where missing; may be repeated. Where there is none, \"== LOBBY ==\".", "name");
     option("password", "add-user, set-password: the password.", "text");
     option("name", "add-user: the name of the person responsible.", "text");
     option("gateway", "add-user: the name of the gateway station.", "text");

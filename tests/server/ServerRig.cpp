@@ -79,7 +79,8 @@ bool RawClient::enter(const QString &callsign, const QString &room)
            !until(QStringLiteral("USER_LIST")).isEmpty();
 }
 
-ServerRig::ServerRig()
+ServerRig::ServerRig(bool autoApprove)
+    : m_autoApprove(autoApprove)
 {
     static_cast<void>(Passwords::initialize());
     static const QByteArray hash = Passwords::hash(QStringLiteral("secret"));
@@ -108,6 +109,7 @@ void ServerRig::start()
     options.port = 0;
     options.udpPort = 0;
     options.rooms = QStringList{QStringLiteral("Lobby"), QStringLiteral("Alpha")};
+    options.autoApprove = m_autoApprove;
     if (!m_server->start(options, &error))
         QTest::qFail(qPrintable(error), __FILE__, __LINE__);
 }

@@ -45,7 +45,8 @@ private:
 class ServerRig final
 {
 public:
-    ServerRig();
+    /// With autoApprove, gateways that register may transmit at once.
+    explicit ServerRig(bool autoApprove = false);
 
     [[nodiscard]] AccountStore &store() { return *m_store; }
     [[nodiscard]] ControlServer &server() { return *m_server; }
@@ -58,6 +59,7 @@ public:
 private:
     void start();
 
+    bool m_autoApprove;
     QTemporaryDir m_folder;
     std::unique_ptr<AccountStore> m_store;
     std::unique_ptr<ControlServer> m_server;

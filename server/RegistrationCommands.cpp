@@ -1,0 +1,51 @@
+// New gateways introduce themselves, before anybody has an account for them.
+
+#include "server/Command.h"
+#include "server/ControlServer.h"
+#include "server/Passwords.h"
+#include "server/Registration.h"
+#include "server/Session.h"
+
+#include <QDate>
+#include <QDebug>
+
+void ControlServer::registerGateway(Session &session, const Command &command)
+{
+    const bool byAdmin = session.isLoggedIn() && session.account().admin;
+    const QString refusal = byAdmin || mayRegister(session)
+                                ? enroll(command)
+                                : QStringLiteral("Terlalu banyak pendaftaran, coba lagi nanti");
+    if (!refusal.isEmpty()) {
+        session.send(QStringLiteral("REGISTER_FAILED|") + refusal);
+        return;
+    }
+    audit(session, QStringLiteral("registered ") + cleanText(command.argument(1)).toUpper());
+    session.send(m_autoApprove ? QStringLiteral("REGISTER_OK|Pendaftaran berhasil, akun langsung aktif")
+                               : QStringLiteral("REGISTER_OK|Pendaftaran berhasil, menunggu persetujuan admin"));
+}
+
+/// Every application counts, also one that succeeds: it costs a password hash and leaves an account behind.
+bool ControlServer::mayRegister(const Session &session)
+{
+    const bool may = m_registrationGuard.mayTry(session.address(), m_clock());
+    if (may)
+        m_registrationGuard.count(session.address(), m_clock());
+    return may;
+}
+
+/// Adds the account; the reason, in the words that the applicant reads, when it cannot be had.
+QString ControlServer::enroll(const Command &command)
+{
+    Registration registration = Registration::read(command, QDate::currentDate());
+    if (!registration.refusal.isEmpty())
+        return registration.refusal;
+    Account &account = registration.account;
+    if (m_store->account(account.callsign))
+        return QStringLiteral("Callsign sudah terdaftar");
+    account.passwordHash = Passwords::hash(registration.password);
+    account.status = m_autoApprove ? QStringLiteral("active") : QStringLiteral("pending");
+    account.approved = m_autoApprove;
+    if (account.passwordHash.isEmpty() || !m_store->add(&account))
+        return QStringLiteral("Pendaftaran tidak dapat disimpan, coba lagi nanti");
+    return {};
+}
