@@ -27,9 +27,15 @@ SetupRig::SetupRig(const QJsonObject &values)
 
 void SetupRig::open()
 {
-    m_wizard = std::make_unique<SetupWizard>(endpoints, prompts);
-    find<QTimer>("debounceTimer")->setInterval(0);
+    m_own = std::make_unique<SetupWizard>(endpoints, prompts);
+    drive(m_own.get());
     m_wizard->show();
+}
+
+void SetupRig::drive(SetupWizard *wizard)
+{
+    m_wizard = wizard;
+    find<QTimer>("debounceTimer")->setInterval(0);
 }
 
 QString SetupRig::text(const char *name) const

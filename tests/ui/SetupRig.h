@@ -23,7 +23,9 @@ public:
 
     /// Makes the wizard and shows it.
     void open();
-    void close() { m_wizard.reset(); }
+    void close() { m_own.reset(); }
+    /// Drives somebody else's wizard instead of an own one.
+    void drive(SetupWizard *wizard);
     [[nodiscard]] SetupWizard &wizard() const { return *m_wizard; }
     template<typename Widget> [[nodiscard]] Widget *find(const char *name) const
     {
@@ -44,5 +46,6 @@ public:
 private:
     [[nodiscard]] bool fillIn(int page) const;
 
-    std::unique_ptr<SetupWizard> m_wizard;
+    std::unique_ptr<SetupWizard> m_own;
+    SetupWizard *m_wizard = nullptr;
 };
