@@ -1,26 +1,31 @@
 #include "app/Config.h"
 #include "app/Endpoints.h"
+#include "app/FirewallRules.h"
 #include "app/HardwareId.h"
 #include "app/Product.h"
 #include "ui/MainWindow.h"
 #include "ui/Theme.h"
 #include "ui/WidgetPrompts.h"
+#include "ui/setup/FirstStart.h"
 
 #include <QApplication>
-#include <QDebug>
 #include <QIcon>
+#include <QProcess>
 
 namespace {
 
-constexpr int kShownIdentifierPart = 16;
-
-void ensureHardwareId(Config &config)
+bool startDetached(const QString &program, const QStringList &arguments)
 {
-    if (!config.setupCompleted() || !config.hwid().isEmpty())
-        return;
-    config.setHwid(generateHardwareId());
-    config.save();
-    qDebug().noquote() << "[Main] HWID generated:" << config.hwid().left(kShownIdentifierPart) + QLatin1String("...");
+    return QProcess::startDetached(program, arguments);
+}
+
+/// Runs the first start; whether the main window is to come.
+bool isSetUp(const Endpoints &endpoints, WidgetPrompts &prompts, QApplication &app)
+{
+    Theme::apply(app, Config::instance().darkTheme());
+    FirstStart firstStart(endpoints, prompts, startDetached);
+    prompts.setWindow(firstStart.window());
+    return firstStart.run() == FirstStart::Outcome::SetUp;
 }
 
 } // namespace
@@ -37,10 +42,15 @@ int main(int argc, char *argv[])
     Theme::initResources();
     QApplication::setWindowIcon(QIcon(QStringLiteral(":/icons/app_icon")));
 
-    ensureHardwareId(Config::instance());
-
+    setupFirewallRules();
+    Config &config = Config::instance();
+    const Endpoints endpoints = Endpoints::configured(config);
     WidgetPrompts prompts;
-    MainWindow window(Endpoints::builtIn(), prompts);
+    if (!config.setupCompleted() && !isSetUp(endpoints, prompts, app))
+        return 0;
+    HardwareId::ensureStored(&config, "[Main] HWID generated:");
+
+    MainWindow window(endpoints, prompts);
     prompts.setWindow(&window);
     window.show();
     return QApplication::exec();

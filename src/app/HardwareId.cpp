@@ -1,6 +1,9 @@
 #include "app/HardwareId.h"
 
+#include "app/Config.h"
+
 #include <QCryptographicHash>
+#include <QDebug>
 #include <QNetworkInterface>
 #include <QProcess>
 #include <QStringList>
@@ -13,6 +16,7 @@ namespace {
 
 constexpr std::chrono::milliseconds kWmicTimeout{3000};
 constexpr int kIdentifierLength = 32;
+constexpr int kLoggedLength = 16;
 
 QString firstMacAddress()
 {
@@ -67,4 +71,13 @@ QString generateHardwareId()
 {
     return HardwareId::digest({QSysInfo::machineHostName(), firstMacAddress(), processorId(), QSysInfo::productType(),
                                QSysInfo::kernelVersion()});
+}
+
+void HardwareId::ensureStored(Config *config, const char *logText)
+{
+    if (!config->setupCompleted() || !config->hwid().isEmpty())
+        return;
+    config->setHwid(generateHardwareId());
+    config->save();
+    qDebug().noquote() << logText << config->hwid().left(kLoggedLength) + QLatin1String("...");
 }

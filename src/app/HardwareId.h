@@ -3,6 +3,8 @@
 #include <QByteArray>
 #include <QString>
 
+class Config;
+
 /// The identifier of this PC that the server binds an account to: 32 lower-case hexadecimal characters, the first
 /// half of the SHA-256 of five machine facts. Has no side effects and always answers; runs "wmic" for at most 3 s.
 [[nodiscard]] QString generateHardwareId();
@@ -15,5 +17,9 @@ namespace HardwareId {
 
 /// The digest of the five facts: host name, MAC address, processor identifier, product type, kernel version.
 [[nodiscard]] QString digest(const QStringList &facts);
+
+/// Gives a completed setup that has no identifier yet a fresh one, saves it, and logs the text with the identifier's
+/// beginning. Harmless otherwise.
+void ensureStored(Config *config, const char *logText);
 
 } // namespace HardwareId

@@ -54,11 +54,17 @@ PromptReply WidgetPrompts::show(const Prompt &prompt)
     return isInput(prompt.kind) ? showInput(prompt) : showBox(prompt);
 }
 
+/// A box over a hidden window might stay hidden with it.
+QWidget *WidgetPrompts::parent() const
+{
+    return m_window && m_window->isVisible() ? m_window.data() : nullptr;
+}
+
 PromptReply WidgetPrompts::showBox(const Prompt &prompt)
 {
     const bool asks = prompt.kind == Prompt::Kind::Question || prompt.kind == Prompt::Kind::WarningQuestion;
     // Not on the stack: the window deletes its boxes when it goes.
-    const QPointer<QMessageBox> box = new QMessageBox(m_window);
+    const QPointer<QMessageBox> box = new QMessageBox(parent());
     box->setIcon(iconOf(prompt.kind));
     box->setWindowTitle(prompt.title);
     box->setTextFormat(Qt::PlainText); // parts of it come from the server
@@ -73,7 +79,7 @@ PromptReply WidgetPrompts::showBox(const Prompt &prompt)
 
 PromptReply WidgetPrompts::showInput(const Prompt &prompt)
 {
-    const QPointer<QInputDialog> dialog = new QInputDialog(m_window);
+    const QPointer<QInputDialog> dialog = new QInputDialog(parent());
     prepare(dialog, prompt);
     const bool accepted = dialog->exec() == QDialog::Accepted;
     if (!dialog)

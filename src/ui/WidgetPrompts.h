@@ -19,6 +19,7 @@ protected:
     PromptReply show(const Prompt &prompt) override;
 
 private:
+    [[nodiscard]] QWidget *parent() const;
     PromptReply showBox(const Prompt &prompt);
     PromptReply showInput(const Prompt &prompt);
 
