@@ -39,7 +39,7 @@ std::optional<CallsignRegistry> CallsignRegistry::fromJson(const QByteArray &jso
     }
     CallsignRegistry registry;
     int number = 0;
-    for (const QJsonValue &value : document.array()) {
+    for (const auto &value : document.array()) {
         ++number;
         const QString wrong = registry.add(value.toObject());
         if (!wrong.isEmpty()) {

@@ -3,6 +3,7 @@
 #include <QList>
 
 #include <algorithm>
+#include <cctype>
 
 namespace {
 
@@ -74,7 +75,8 @@ bool areHeaderFields(const QList<QByteArray> &lines, bool hostIsDue)
 
 QString decoded(const QByteArray &text)
 {
-    return QString::fromUtf8(QByteArray::fromPercentEncoding(text));
+    const QByteArray bytes = QByteArray::fromPercentEncoding(text);
+    return QString::fromUtf8(bytes.constData(), bytes.size()); // with the size, or it would end at a NUL
 }
 
 QHash<QString, QString> queryArguments(QByteArray query)
@@ -88,6 +90,16 @@ QHash<QString, QString> queryArguments(QByteArray query)
     return arguments;
 }
 
+bool areEscapesWhole(const QByteArray &target)
+{
+    const auto isHex = [](char c) { return std::isxdigit(static_cast<unsigned char>(c)) != 0; };
+    for (int i = target.indexOf('%'); i >= 0; i = target.indexOf('%', i + 1)) {
+        if (i + 2 >= target.size() || !isHex(target.at(i + 1)) || !isHex(target.at(i + 2)))
+            return false;
+    }
+    return true;
+}
+
 /// "/path?query", or the same behind "http://host", as clients of a proxy write it.
 bool readTarget(QByteArray target, HttpRequest *request)
 {
@@ -97,22 +109,24 @@ bool readTarget(QByteArray target, HttpRequest *request)
         target = slash < 0 ? QByteArrayLiteral("/") : target.mid(slash);
     }
     const bool isPlain = std::all_of(target.cbegin(), target.cend(), [](char c) { return c > ' ' && c < '\x7f'; });
-    if (!target.startsWith('/') || !isPlain)
+    if (!target.startsWith('/') || !isPlain || !areEscapesWhole(target))
         return false;
     request->path = decoded(upTo('?', target));
     request->arguments = queryArguments(behind('?', target));
     return true;
 }
 
+HttpRequest inState(HttpRequest::State state)
+{
+    HttpRequest request;
+    request.state = state;
+    return request;
+}
+
 } // namespace
 
 HttpRequest HttpRequest::parse(const QByteArray &bytes)
 {
-    const auto inState = [](State state) {
-        HttpRequest request;
-        request.state = state;
-        return request;
-    };
     QList<QByteArray> lines;
     int size = bytes.size();
     const bool isWhole = headLines(bytes, &lines, &size);

@@ -1,0 +1,249 @@
+#include "support/ChildProcess.h"
+#include "support/TestMain.h"
+
+#include <QFile>
+#include <QHostAddress>
+#include <QNetworkAccessManager>
+#include <QNetworkReply>
+#include <QRegularExpression>
+#include <QTcpServer>
+#include <QTcpSocket>
+#include <QTemporaryDir>
+
+#include <memory>
+
+/// The program itself: its options, what it prints and when it refuses to start.
+class ServerProgramTest final : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void init();
+    void everyAddressIncludesIpv4();
+    void firstStartMakesTheRoomOfNewClients();
+    void namedRoomsAreAllThereIs();
+    void webPort_data();
+    void webPort();
+    void takenDefaultPortIsDoneWithout();
+    void takenNamedPortIsAnError();
+    void wrongOptions_data();
+    void wrongOptions();
+    void servesTheFilesOfTheOperator();
+    void helpNamesEveryOption();
+
+private:
+    [[nodiscard]] bool start(const QStringList &options);
+    [[nodiscard]] int exitCode(const QStringList &options);
+    [[nodiscard]] QString file(const char *name, const QByteArray &content) const;
+    [[nodiscard]] QByteArray get(const QString &target);
+    [[nodiscard]] QString roomsAfterLogin();
+
+    std::unique_ptr<QTemporaryDir> m_folder;
+    std::unique_ptr<ChildProcess> m_program;
+    QHostAddress m_address; ///< one of this test's own, where 8088 is free
+    int m_port = 0;
+    int m_webPort = 0;
+};
+
+namespace {
+
+constexpr quint16 kDefaultWebPort = 8088;
+
+QString q(const char *text)
+{
+    return QString::fromUtf8(text);
+}
+
+QString serverPath()
+{
+    return QCoreApplication::applicationDirPath() + q("/evox-server");
+}
+
+} // namespace
+
+void ServerProgramTest::init()
+{
+    m_program = std::make_unique<ChildProcess>();
+    m_folder = std::make_unique<QTemporaryDir>();
+    QTcpServer probe;
+    auto address = 0x7F030001 + static_cast<quint32>(QCoreApplication::applicationPid() % 4000) * 16;
+    while (!probe.listen(QHostAddress(address), kDefaultWebPort))
+        ++address;
+    m_address = QHostAddress(address);
+}
+
+bool ServerProgramTest::start(const QStringList &options)
+{
+    const QStringList own{q("--database"), m_folder->filePath(q("club.sqlite")), q("--port"), q("0"), q("--udp-port"),
+                          q("0")};
+    const bool hasAddress = options.contains(q("--listen"));
+    if (!m_program->begin(serverPath(),
+                          own + (hasAddress ? QStringList() : QStringList{q("--listen"), m_address.toString()}) +
+                              options))
+        return false;
+    static const QRegularExpression ready(q("^evox-server ready: tcp (\\d+) udp (\\d+) http (\\d+)\n$"));
+    QByteArray output;
+    QRegularExpressionMatch match;
+    static_cast<void>(QTest::qWaitFor(
+        [&] {
+            output += m_program->readAllStandardOutput();
+            match = ready.match(QString::fromUtf8(output));
+            return match.hasMatch() || !m_program->isRunning();
+        },
+        20000));
+    m_port = match.captured(1).toInt();
+    m_webPort = match.captured(3).toInt();
+    return match.hasMatch();
+}
+
+int ServerProgramTest::exitCode(const QStringList &options)
+{
+    const bool started = start(options);
+    return started || !m_program->waitForEnd() ? -1 : m_program->exitCode();
+}
+
+QString ServerProgramTest::file(const char *name, const QByteArray &content) const
+{
+    QFile file(m_folder->filePath(q(name)));
+    if (!file.open(QIODevice::WriteOnly) || file.write(content) != content.size())
+        QTest::qFail("no file", __FILE__, __LINE__);
+    return file.fileName();
+}
+
+QByteArray ServerProgramTest::get(const QString &target)
+{
+    QNetworkAccessManager network;
+    const QString address = QStringLiteral("http://%1:%2%3").arg(m_address.toString()).arg(m_webPort).arg(target);
+    const std::unique_ptr<QNetworkReply> reply(network.get(QNetworkRequest(QUrl(address))));
+    static_cast<void>(QTest::qWaitFor([&] { return reply->isFinished(); }));
+    return reply->readAll();
+}
+
+/// The answer to ROOMS, after the account YB1A was made and logged in.
+QString ServerProgramTest::roomsAfterLogin()
+{
+    QTcpSocket socket;
+    socket.connectToHost(m_address, static_cast<quint16>(m_port));
+    socket.write("LOGIN YB1A secret pc\r\nROOMS\r\n");
+    QByteArray lines;
+    static const QRegularExpression rooms(q("\nROOMS\\|(.*)\r\n"));
+    QRegularExpressionMatch match;
+    static_cast<void>(QTest::qWaitFor([&] {
+        lines += socket.readAll();
+        match = rooms.match(QString::fromUtf8(lines));
+        return match.hasMatch();
+    }));
+    return match.captured(1);
+}
+
+void ServerProgramTest::everyAddressIncludesIpv4()
+{
+    QVERIFY(start({q("--listen"), q("::"), q("--http-port"), q("0")}));
+    QTcpSocket socket;
+    socket.connectToHost(m_address, static_cast<quint16>(m_port));
+    QTRY_VERIFY2(socket.canReadLine(), "no greeting by IPv4");
+}
+
+void ServerProgramTest::firstStartMakesTheRoomOfNewClients()
+{
+    QVERIFY(ChildProcess::outputOf(serverPath(), {q("--database"), m_folder->filePath(q("club.sqlite")), q("add-user"),
+                                                  q("YB1A"), q("--password"), q("secret")})
+                .isEmpty());
+    QVERIFY(start({}));
+    QCOMPARE(roomsAfterLogin(), q("== LOBBY =="));
+}
+
+void ServerProgramTest::namedRoomsAreAllThereIs()
+{
+    QVERIFY(ChildProcess::outputOf(serverPath(), {q("--database"), m_folder->filePath(q("club.sqlite")), q("add-user"),
+                                                  q("YB1A"), q("--password"), q("secret")})
+                .isEmpty());
+    QVERIFY(start({q("--room"), q("Utara"), q("--room"), q("Selatan")}));
+    QCOMPARE(roomsAfterLogin(), q("Utara,Selatan"));
+}
+
+void ServerProgramTest::webPort_data()
+{
+    QTest::addColumn<QStringList>("options");
+    QTest::addColumn<int>("port");
+    QTest::newRow("by itself") << QStringList() << int(kDefaultWebPort);
+    QTest::newRow("named") << QStringList{q("--http-port"), q("8089")} << 8089;
+    QTest::newRow("off") << QStringList{q("--http-port"), q("0")} << 0;
+}
+
+void ServerProgramTest::webPort()
+{
+    QFETCH(QStringList, options);
+    QVERIFY(start(options));
+    QTEST(m_webPort, "port");
+    if (m_webPort)
+        QVERIFY(get(q("/update/")).contains("\"version\""));
+}
+
+void ServerProgramTest::takenDefaultPortIsDoneWithout()
+{
+    QTcpServer other;
+    QVERIFY(other.listen(m_address, kDefaultWebPort));
+    QVERIFY(start({}));
+    QCOMPARE(m_webPort, 0);
+    QTRY_VERIFY(!m_program->log().filter(q("HTTP port 8088: ")).filter(q("serving without")).isEmpty());
+}
+
+void ServerProgramTest::takenNamedPortIsAnError()
+{
+    QTcpServer other;
+    QVERIFY(other.listen(m_address, kDefaultWebPort));
+    QCOMPARE(exitCode({q("--http-port"), q("8088")}), 1);
+    QVERIFY(m_program->lastLine(q("evox-server: HTTP port 8088: ")).size() > 30);
+}
+
+void ServerProgramTest::wrongOptions_data()
+{
+    QTest::addColumn<QString>("option");
+    QTest::addColumn<QByteArray>("content"); // of the file that the option names; null: the text itself
+    QTest::addColumn<QString>("complaint");
+    const auto row = [](const char *name, const char *option, const QByteArray &content, const char *complaint) {
+        QTest::newRow(name) << q(option) << content << q(complaint);
+    };
+    row("port is a word", "--http-port=web", {}, "evox-server: --http-port: not a port");
+    row("port is too large", "--http-port=65536", {}, "evox-server: --http-port: not a port");
+    row("no registry file", "--registry=/nowhere.json", {}, "evox-server: /nowhere.json: No such file");
+    row("registry is no array", "--registry=", "{}", "evox-server: FILE: not an array of callsigns");
+    row("registry without a callsign", "--registry=", "[{}]", "evox-server: FILE: entry 1: no callsign");
+    row("no update file", "--update=/nowhere.json", {}, "evox-server: /nowhere.json: No such file");
+    row("update is no object", "--update=", "[]", "evox-server: FILE: not a JSON object");
+    row("update is too long", "--update=", QByteArray(1024 * 1024 + 1, ' '),
+        "evox-server: FILE: longer than 1048576 bytes");
+}
+
+void ServerProgramTest::wrongOptions()
+{
+    QFETCH(QString, option);
+    QFETCH(QByteArray, content);
+    QFETCH(QString, complaint);
+    const QString path = content.isNull() ? QString() : file("content.json", content);
+    QCOMPARE(exitCode({option + path}), 1);
+    const QString expected = complaint.replace(q("FILE"), path);
+    QVERIFY2(!m_program->lastLine(expected).isEmpty(), qPrintable(m_program->log().join(QLatin1Char('\n'))));
+}
+
+void ServerProgramTest::servesTheFilesOfTheOperator()
+{
+    const QByteArray update = "{ \"version\": \"5.0\", \"download_url_x64\": \"/x64\" }\n";
+    const QString registry = file("registry.json", "[{\"callsign\":\"YH7TEST\",\"address\":\"Jl. Satu\"}]");
+    QVERIFY(start({q("--registry"), registry, q("--registry-quoted"), q("--update"), file("update.json", update)}));
+    QCOMPARE(get(q("/update/")), update);
+    QVERIFY(get(q("/registrant/searchDataIar/?callsign=YH7TEST")).startsWith("\"<ul class=\\\"none-style\\\">"));
+    QVERIFY(get(q("/registrant/searchDataIar/?callsign=YH0GW")).contains("not-found.png"));
+}
+
+void ServerProgramTest::helpNamesEveryOption()
+{
+    const QByteArray help = ChildProcess::outputOf(serverPath(), {q("--help")});
+    for (const char *option : {"--listen", "--port", "--udp-port", "--http-port", "--registry", "--registry-quoted",
+                               "--update", "--auto-approve", "--database", "--room", "== LOBBY ==", "8080", "8088"})
+        QVERIFY2(help.contains(option), option);
+}
+
+EVOX_TEST_MAIN(ServerProgramTest, QCoreApplication)
+#include "tst_serverprogram.moc"
