@@ -52,7 +52,7 @@ QString refusal(const QString &reason)
 } // namespace
 
 // The real program on a computer where it has never run, with a person in front of it.
-class FirstStartTest final : public QObject
+class NewGatewayTest final : public QObject
 {
     Q_OBJECT
 
@@ -83,16 +83,16 @@ private:
     std::unique_ptr<Station> m_station;
 };
 
-void FirstStartTest::init()
+void NewGatewayTest::init()
 {
-    m_server = std::make_unique<CompanionServer>(QStringList{kRoom});
+    m_server = std::make_unique<CompanionServer>(QStringList{kRoom, QStringLiteral("Lobby")});
     QVERIFY(m_server->addUser(kExisting, kExistingPassword));
     QVERIFY(m_server->setRegistry(registry()));
     QVERIFY(m_server->start());
     m_driver = std::make_unique<AppDriver>();
 }
 
-void FirstStartTest::cleanup()
+void NewGatewayTest::cleanup()
 {
     if (m_station && QTest::currentTestFailed())
         m_station->program().printLog();
@@ -101,7 +101,7 @@ void FirstStartTest::cleanup()
     m_server.reset();
 }
 
-bool FirstStartTest::startProgram(const QString &registryUrl)
+bool NewGatewayTest::startProgram(const QString &registryUrl)
 {
     Station::Settings settings;
     settings.more = {{QStringLiteral("registry_url"), registryUrl}};
@@ -111,7 +111,7 @@ bool FirstStartTest::startProgram(const QString &registryUrl)
     return m_station->start() && m_driver->waitForProgram() && m_driver->waitForWindow(kWizard);
 }
 
-GatewayEntries FirstStartTest::entries() const
+GatewayEntries NewGatewayTest::entries() const
 {
     GatewayEntries entries;
     entries.server = m_server->host();
@@ -127,7 +127,7 @@ GatewayEntries FirstStartTest::entries() const
     return entries;
 }
 
-void FirstStartTest::checkConfigured(const GatewayEntries &entered) const
+void NewGatewayTest::checkConfigured(const GatewayEntries &entered) const
 {
     const QJsonObject config = configured();
     const QJsonObject expected{{QStringLiteral("server_address"), entered.server},
@@ -151,7 +151,7 @@ void FirstStartTest::checkConfigured(const GatewayEntries &entered) const
     QVERIFY(!config.value(QLatin1String("hwid")).toString().isEmpty());
 }
 
-void FirstStartTest::registersByKeyboardAlone()
+void NewGatewayTest::registersByKeyboardAlone()
 {
     QVERIFY(startProgram(m_server->webUrl()));
     const qint64 first = m_driver->pid();
@@ -182,7 +182,7 @@ void FirstStartTest::registersByKeyboardAlone()
     checkConfigured(typed);
 }
 
-void FirstStartTest::logsInToAnExistingAccount()
+void NewGatewayTest::logsInToAnExistingAccount()
 {
     QVERIFY(startProgram(m_server->webUrl()));
     QVERIFY(m_driver->click(QStringLiteral("loginButton")));
@@ -212,7 +212,7 @@ void FirstStartTest::logsInToAnExistingAccount()
     QVERIFY(!configured().value(QLatin1String("hwid")).toString().isEmpty());
 }
 
-void FirstStartTest::keepsWhatWasTypedAfterARefusal()
+void NewGatewayTest::keepsWhatWasTypedAfterARefusal()
 {
     QVERIFY(startProgram(m_server->webUrl()));
     GatewayEntries typed = entries();
@@ -243,7 +243,7 @@ void FirstStartTest::keepsWhatWasTypedAfterARefusal()
     checkConfigured(typed);
 }
 
-void FirstStartTest::comesBackFromAServerThatFails_data()
+void NewGatewayTest::comesBackFromAServerThatFails_data()
 {
     QTest::addColumn<bool>("listens");
     QTest::addColumn<QString>("text");
@@ -254,7 +254,7 @@ void FirstStartTest::comesBackFromAServerThatFails_data()
                                << QStringLiteral("Tidak ada response dari server.\n\nPeriksa koneksi dan coba lagi.");
 }
 
-void FirstStartTest::comesBackFromAServerThatFails()
+void NewGatewayTest::comesBackFromAServerThatFails()
 {
     QFETCH(bool, listens);
     QFETCH(QString, text);
@@ -295,7 +295,7 @@ void FirstStartTest::comesBackFromAServerThatFails()
     QVERIFY(!m_station->program().isAnythingRunning());
 }
 
-void FirstStartTest::tellsWhatTheRegistrySays_data()
+void NewGatewayTest::tellsWhatTheRegistrySays_data()
 {
     QTest::addColumn<QString>("callsign");
     QTest::addColumn<bool>("isUp");
@@ -311,7 +311,7 @@ void FirstStartTest::tellsWhatTheRegistrySays_data()
         << QStringLiteral("YB0ABC") << true << QStringLiteral("Format: YH[0-9][A-Z]{2,4}") << QStringLiteral("-");
 }
 
-void FirstStartTest::tellsWhatTheRegistrySays()
+void NewGatewayTest::tellsWhatTheRegistrySays()
 {
     QFETCH(QString, callsign);
     QFETCH(bool, isUp);
@@ -333,5 +333,5 @@ void FirstStartTest::tellsWhatTheRegistrySays()
     QVERIFY(!isUp || user.enterGateway(typed));
 }
 
-EVOX_TEST_MAIN(FirstStartTest, QCoreApplication)
-#include "tst_firststart.moc"
+EVOX_TEST_MAIN(NewGatewayTest, QCoreApplication)
+#include "tst_newgateway.moc"
