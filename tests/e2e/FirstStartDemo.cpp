@@ -49,7 +49,7 @@ public:
     {
         (void)waitFor([] { return false; }, m_look);
         const QString file = QStringLiteral("%1-%2.png").arg(++m_pictures, 2, 10, QLatin1Char('0')).arg(name);
-        print(QStringLiteral("  %1").arg(file));
+        print(QStringLiteral("  ") + file);
         return m_driver.screenshot(QDir::current().absoluteFilePath(m_folder.filePath(file)));
     }
 
@@ -127,7 +127,6 @@ int main(int argc, char *argv[])
     parser.addOption(out);
     parser.process(app);
     const QString folder = parser.value(out);
-    if (!QDir().mkpath(folder))
-        return fail(QStringLiteral("Cannot create ") + folder) ? 0 : 1;
-    return watch(folder) ? 0 : 1;
+    const bool isShown = QDir().mkpath(folder) ? watch(folder) : fail(QStringLiteral("Cannot create ") + folder);
+    return isShown ? 0 : 1;
 }
