@@ -11,10 +11,10 @@
 /// The wizard's buttons by the names that Qt gives them.
 namespace WizardButton {
 
-const QString kBack = QStringLiteral("__qt__passive_wizardbutton0");
-const QString kNext = QStringLiteral("__qt__passive_wizardbutton1");
-const QString kFinish = QStringLiteral("qt_wizard_finish");
-const QString kCancel = QStringLiteral("qt_wizard_cancel");
+inline const QString kBack = QStringLiteral("__qt__passive_wizardbutton0");
+inline const QString kNext = QStringLiteral("__qt__passive_wizardbutton1");
+inline const QString kFinish = QStringLiteral("qt_wizard_finish");
+inline const QString kCancel = QStringLiteral("qt_wizard_cancel");
 
 } // namespace WizardButton
 

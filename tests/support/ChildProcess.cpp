@@ -18,6 +18,7 @@ namespace {
 constexpr std::chrono::milliseconds kPoliteEnd{3000};
 constexpr std::chrono::milliseconds kShortProgram{20000};
 constexpr std::chrono::milliseconds kLogPoll{20};
+constexpr std::chrono::milliseconds kLastLines = 10 * kLogPoll; // of a program that has ended
 constexpr int kMaxLogLines = 100000;
 constexpr int kPrintedLines = 60;
 
@@ -148,7 +149,8 @@ QString ChildProcess::lastLine(const QString &beginning) const
 bool ChildProcess::waitForLog(const QString &beginning, int count, std::chrono::milliseconds timeout) const
 {
     const auto written = [this, &beginning, count] { return this->count(beginning) >= count; };
-    if (waitFor([this, written] { return written() || !isAnythingRunning(); }, timeout) && written())
+    const auto isDecided = [this, written] { return written() || !isAnythingRunning(); };
+    if (waitFor(isDecided, timeout) && waitFor(written, kLastLines))
         return true;
     if (!wasInterrupted()) {
         qWarning().noquote() << QFileInfo(program()).fileName() << "did not write" << count << "times" << beginning;
