@@ -18,10 +18,10 @@ ContactPage::ContactPage(const GatewayData &proposal, QWidget *parent)
     auto *whatsapp = new QLineEdit(InputRules::withoutQuotes(proposal.whatsapp), this);
     whatsapp->setObjectName(QStringLiteral("whatsappEdit"));
     whatsapp->setPlaceholderText(QStringLiteral("08123456789"));
-    for (QLineEdit *edit : {email, whatsapp}) {
-        edit->setMaxLength(InputRules::kLongestText);
-        InputRules::refuseQuotes(*edit);
-    }
+    email->setMaxLength(InputRules::kLongestText);
+    whatsapp->setMaxLength(InputRules::kLongestNumber);
+    InputRules::refuseQuotes(*email);
+    InputRules::refuseQuotes(*whatsapp);
     registerField(QStringLiteral("email"), email);
     registerField(QStringLiteral("whatsapp"), whatsapp);
 

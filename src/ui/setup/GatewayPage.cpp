@@ -72,6 +72,7 @@ void GatewayPage::createFields(const GatewayData &proposal)
     m_status = new LookupStatus(QStringLiteral("callsignStatusLabel"), this);
     m_gatewayName = textField("gatewayNameEdit", proposal.gatewayName, QStringLiteral("RF-GW SINAR ..."), this);
     m_frequency = textField("frequencyEdit", proposal.frequency, QStringLiteral("145.500 MHz"), this);
+    m_frequency->setMaxLength(InputRules::kLongestNumber);
     m_location = new AddressEdit(this);
     m_location->setObjectName(QStringLiteral("locationEdit"));
     m_location->setPlaceholderText(QStringLiteral("Alamat stasiun"));

@@ -8,6 +8,7 @@ class QLineEdit;
 namespace InputRules {
 
 constexpr int kLongestText = 100;     ///< characters of a free text such as a name
+constexpr int kLongestNumber = 40;    ///< characters of a frequency or a telephone number
 constexpr int kLongestHost = 253;     ///< characters of a host name
 constexpr int kLongestPassword = 128; ///< characters; the companion server takes no longer one
 constexpr int kHighestPort = 65535;
