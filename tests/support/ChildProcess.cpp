@@ -1,7 +1,9 @@
 #include "support/ChildProcess.h"
 
+#include "support/Strays.h"
 #include "support/Wait.h"
 
+#include <QCoreApplication>
 #include <QDebug>
 #include <QElapsedTimer>
 #include <QFileInfo>
@@ -15,15 +17,25 @@ namespace {
 
 constexpr std::chrono::milliseconds kPoliteEnd{3000};
 constexpr std::chrono::milliseconds kShortProgram{20000};
+constexpr std::chrono::milliseconds kLogPoll{20};
+constexpr std::chrono::milliseconds kLastLines = 10 * kLogPoll; // of a program that has ended
 constexpr int kMaxLogLines = 100000;
 constexpr int kPrintedLines = 60;
+
+QString newMark()
+{
+    static int s_number = 0;
+    return QStringLiteral("%1-%2").arg(QCoreApplication::applicationPid()).arg(++s_number);
+}
 
 } // namespace
 
 ChildProcess::ChildProcess(QObject *parent)
     : QProcess(parent)
+    , m_mark(newMark())
 {
     connect(this, &QProcess::readyReadStandardError, this, &ChildProcess::readLog);
+    connect(&m_followLog, &QTimer::timeout, this, &ChildProcess::readLog);
     setProcessEnvironment(plainEnvironment());
 }
 
@@ -58,6 +70,14 @@ bool ChildProcess::begin(const QString &program, const QStringList &arguments)
 {
     m_rest.clear();
     m_log.clear();
+    m_logFile.close();
+    QProcessEnvironment environment = processEnvironment();
+    environment.insert(QString::fromLatin1(Strays::kVariable), m_mark);
+    setProcessEnvironment(environment);
+    if (!m_logFile.fileName().isEmpty()) {
+        setStandardErrorFile(m_logFile.fileName());
+        m_followLog.start(kLogPoll);
+    }
     start(program, arguments);
     if (waitForStarted())
         return true;
@@ -77,11 +97,17 @@ void ChildProcess::signalGroup(int signal) const
         ::kill(-static_cast<pid_t>(processId()), signal);
 }
 
+bool ChildProcess::isAnythingRunning() const
+{
+    return isRunning() || Strays::areLeft(m_mark);
+}
+
 void ChildProcess::end()
 {
     signalGroup(SIGTERM);
     if (isRunning() && !waitForFinished(static_cast<int>(kPoliteEnd.count())))
         killNow();
+    Strays::end(m_mark, kPoliteEnd);
 }
 
 void ChildProcess::killNow()
@@ -89,11 +115,15 @@ void ChildProcess::killNow()
     signalGroup(SIGKILL);
     if (isRunning())
         waitForFinished();
+    Strays::end(m_mark, std::chrono::milliseconds(0));
 }
 
 void ChildProcess::readLog()
 {
-    m_rest += readAllStandardError();
+    if (m_logFile.fileName().isEmpty())
+        m_rest += readAllStandardError();
+    else if (m_logFile.isOpen() || m_logFile.open(QIODevice::ReadOnly))
+        m_rest += m_logFile.readAll();
     int begin = 0;
     for (int end = m_rest.indexOf('\n'); end >= 0; end = m_rest.indexOf('\n', begin)) {
         if (m_log.size() < kMaxLogLines)
@@ -119,7 +149,8 @@ QString ChildProcess::lastLine(const QString &beginning) const
 bool ChildProcess::waitForLog(const QString &beginning, int count, std::chrono::milliseconds timeout) const
 {
     const auto written = [this, &beginning, count] { return this->count(beginning) >= count; };
-    if (waitFor([this, written] { return written() || !isRunning(); }, timeout) && written())
+    const auto isDecided = [this, written] { return written() || !isAnythingRunning(); };
+    if (waitFor(isDecided, timeout) && waitFor(written, kLastLines))
         return true;
     if (!wasInterrupted()) {
         qWarning().noquote() << QFileInfo(program()).fileName() << "did not write" << count << "times" << beginning;

@@ -1,12 +1,15 @@
 #pragma once
 
+#include <QFile>
 #include <QProcess>
 #include <QStringList>
+#include <QTimer>
 
 #include <chrono>
 
 /// A program that runs beside the test and never outlives it: it leads a process group of its own, which ends with this
-/// object, and the system kills it when the test itself is killed. Its standard error is kept line by line.
+/// object, and the system kills it when the test itself is killed. What it starts detached ends with this object too.
+/// Its standard error is kept line by line.
 class ChildProcess final : public QProcess
 {
     Q_OBJECT
@@ -22,12 +25,17 @@ public:
     [[nodiscard]] static QByteArray outputOf(const QString &program, const QStringList &arguments,
                                              const QProcessEnvironment &environment = plainEnvironment());
 
+    /// Before begin(): standard error goes through this file, so that a program that starts itself anew and ends can
+    /// leave it to its successor, whose lines follow.
+    void setLogFile(const QString &path) { m_logFile.setFileName(path); }
     /// False, with a warning that says why, when the program cannot be started.
     [[nodiscard]] bool begin(const QString &program, const QStringList &arguments = {});
     [[nodiscard]] bool isRunning() const { return state() != NotRunning; }
-    /// Asks the group to end and kills it when it has not after three seconds.
+    /// Whether it or something that it has started still runs.
+    [[nodiscard]] bool isAnythingRunning() const;
+    /// Asks the group to end and kills it when it has not after three seconds; what was started detached, likewise.
     void end();
-    /// Kills the group at once.
+    /// Kills the group, and what was started detached, at once.
     void killNow();
 
     [[nodiscard]] const QStringList &log() const { return m_log; }
@@ -49,6 +57,9 @@ private:
     void signalGroup(int signal) const;
     void readLog();
 
+    QString m_mark; ///< in the environment of everything that comes of this process
+    QFile m_logFile;
+    QTimer m_followLog;
     QByteArray m_rest;
     QStringList m_log;
 };

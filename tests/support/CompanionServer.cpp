@@ -4,7 +4,10 @@
 
 #include <QCoreApplication>
 #include <QDebug>
+#include <QFile>
+#include <QJsonDocument>
 #include <QRegularExpression>
+#include <QTcpServer>
 
 namespace {
 
@@ -55,18 +58,42 @@ bool CompanionServer::addUser(const QString &callsign, const QString &password, 
            (!admin || run({QStringLiteral("make-admin"), callsign}));
 }
 
+bool CompanionServer::setRegistry(const QJsonArray &records)
+{
+    m_registry = m_folder.filePath(QStringLiteral("registry.json"));
+    QFile file(m_registry);
+    return file.open(QIODevice::WriteOnly) && file.write(QJsonDocument(records).toJson()) > 0;
+}
+
+QString CompanionServer::webUrl() const
+{
+    return QStringLiteral("http://%1:%2").arg(host()).arg(m_httpPort);
+}
+
+/// The server itself takes 0 for "no web pages". Nobody else listens on this address in between.
+quint16 CompanionServer::freePort() const
+{
+    QTcpServer probe;
+    return probe.listen(m_address) ? probe.serverPort() : quint16(0);
+}
+
 bool CompanionServer::start()
 {
-    QStringList arguments{QStringLiteral("--database"), database(),
-                          QStringLiteral("--listen"),   host(),
-                          QStringLiteral("--port"),     QString::number(m_port),
-                          QStringLiteral("--udp-port"), QString::number(m_udpPort)};
+    if (m_httpPort == 0)
+        m_httpPort = freePort();
+    QStringList arguments{QStringLiteral("--database"),  database(),
+                          QStringLiteral("--listen"),    host(),
+                          QStringLiteral("--port"),      QString::number(m_port),
+                          QStringLiteral("--udp-port"),  QString::number(m_udpPort),
+                          QStringLiteral("--http-port"), QString::number(m_httpPort)};
     for (const QString &room : m_rooms)
         arguments += {QStringLiteral("--room"), room};
+    if (!m_registry.isEmpty())
+        arguments += {QStringLiteral("--registry"), m_registry};
     if (!m_program.begin(serverPath(), arguments))
         return false;
     QByteArray output;
-    static const QRegularExpression ready(QStringLiteral("evox-server ready: tcp (\\d+) udp (\\d+)"));
+    static const QRegularExpression ready(QStringLiteral("evox-server ready: tcp (\\d+) udp (\\d+) http (\\d+)"));
     QRegularExpressionMatch match;
     const auto listens = [&] {
         output += m_program.readAllStandardOutput();
@@ -79,6 +106,7 @@ bool CompanionServer::start()
     }
     m_port = match.captured(1).toUShort();
     m_udpPort = match.captured(2).toUShort();
+    m_httpPort = match.captured(3).toUShort();
     m_line.setServer(m_address, m_udpPort);
     return true;
 }

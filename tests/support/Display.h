@@ -15,6 +15,8 @@ public:
     /// False, after printing why, when no screen comes up.
     [[nodiscard]] bool start();
     void addTo(QProcessEnvironment &environment) const;
+    /// Whether somebody may be looking at it.
+    [[nodiscard]] bool isReal() const { return !m_name.isEmpty() && !m_server.isRunning(); }
 
     /// The number of the process's main window; empty while none is shown.
     [[nodiscard]] QString windowOf(qint64 process, const QString &title) const;

@@ -1,6 +1,7 @@
 #include "support/Station.h"
 
 #include "app/Product.h"
+#include "support/AppDriver.h"
 #include "support/Wait.h"
 
 #include <QCoreApplication>
@@ -11,6 +12,7 @@
 namespace {
 
 constexpr std::chrono::milliseconds kWindow{20000};
+constexpr QLatin1String kConfiguration("/config.json");
 
 } // namespace
 
@@ -20,23 +22,41 @@ Station::Station(const Settings &settings, const Display *display)
 {
 }
 
+QString Station::configurationFolder() const
+{
+    return m_home.filePath(QStringLiteral("share/%1/%2").arg(Product::organisation(), Product::name()));
+}
+
+QJsonObject Station::configuredAccount() const
+{
+    if (!m_settings.isSetUp)
+        return {};
+    return {{QStringLiteral("server_address"), m_settings.server},
+            {QStringLiteral("server_port"), m_settings.port},
+            {QStringLiteral("default_room"), m_settings.room},
+            {QStringLiteral("callsign"), m_settings.callsign},
+            {QStringLiteral("password"), m_settings.password},
+            {QStringLiteral("remember_password"), true},
+            {QStringLiteral("setup_completed"), true},
+            {QStringLiteral("hwid"), QStringLiteral("hwid-of-") + m_settings.callsign}};
+}
+
 bool Station::writeConfiguration() const
 {
-    QJsonObject values{{QStringLiteral("server_address"), m_settings.server},
-                       {QStringLiteral("server_port"), m_settings.port},
-                       {QStringLiteral("default_room"), m_settings.room},
-                       {QStringLiteral("callsign"), m_settings.callsign},
-                       {QStringLiteral("password"), m_settings.password},
-                       {QStringLiteral("remember_password"), true},
-                       {QStringLiteral("setup_completed"), true},
-                       {QStringLiteral("hwid"), QStringLiteral("hwid-of-") + m_settings.callsign},
-                       {QStringLiteral("serial_port"), m_radio.portName()},
-                       {QStringLiteral("speaker_gain"), 100}};
+    QJsonObject values = configuredAccount();
+    values.insert(QStringLiteral("serial_port"), m_radio.portName());
+    values.insert(QStringLiteral("speaker_gain"), 100);
     for (auto it = m_settings.more.begin(); it != m_settings.more.end(); ++it)
         values.insert(it.key(), it.value());
-    const QString folder = m_home.filePath(QStringLiteral("share/%1/%2").arg(Product::organisation(), Product::name()));
-    QFile file(folder + QLatin1String("/config.json"));
+    const QString folder = configurationFolder();
+    QFile file(folder + kConfiguration);
     return QDir().mkpath(folder) && file.open(QIODevice::WriteOnly) && file.write(QJsonDocument(values).toJson()) > 0;
+}
+
+QByteArray Station::configuration() const
+{
+    QFile file(configurationFolder() + kConfiguration);
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
 }
 
 QProcessEnvironment Station::environment() const
@@ -54,6 +74,8 @@ QProcessEnvironment Station::environment() const
         m_display->addTo(environment);
     m_sound.addTo(environment);
     m_radio.addTo(environment);
+    if (m_driver)
+        m_driver->addTo(environment);
     return environment;
 }
 
@@ -63,6 +85,8 @@ bool Station::start()
         return false;
     m_program.setProcessEnvironment(environment());
     m_program.setStandardOutputFile(QProcess::nullDevice());
+    if (m_driver)
+        m_program.setLogFile(m_home.filePath(QStringLiteral("program.log")));
     return m_program.begin(QCoreApplication::applicationDirPath() + QLatin1String("/evox-sinar"));
 }
 

@@ -9,6 +9,8 @@
 #include <QString>
 #include <QTemporaryDir>
 
+class AppDriver;
+
 /// One gateway: the real program with a configuration, a sound card and a radio of its own. A carrier is CTS, the
 /// transmitter is keyed by RTS.
 class Station final
@@ -22,6 +24,8 @@ public:
         quint16 port = 8080;
         QString room = QStringLiteral("Lobby");
         QJsonObject more; ///< further configuration values
+        /// Otherwise the program finds only `more` and its radio, and begins with its first start.
+        bool isSetUp = true;
     };
 
     /// Without a display the windows are drawn into memory.
@@ -29,12 +33,17 @@ public:
     Station(const Station &) = delete;
     Station &operator=(const Station &) = delete;
 
+    /// Before start(), and as long as the station: the program's windows are used through this driver, and a program
+    /// that starts itself anew is followed.
+    void setDriver(const AppDriver &driver) { m_driver = &driver; }
     /// Starts the sound server and the program; false, after printing why, when either does not start.
     [[nodiscard]] bool start();
     /// Waits until the program has a room key and its audio link is up, for the n-th time.
     [[nodiscard]] bool waitForRoom(int times = 1, std::chrono::milliseconds timeout = std::chrono::seconds(30)) const;
 
     [[nodiscard]] QString callsign() const { return m_settings.callsign; }
+    /// The configuration file as it stands; empty when there is none.
+    [[nodiscard]] QByteArray configuration() const;
     [[nodiscard]] const ChildProcess &program() const { return m_program; }
     [[nodiscard]] FakeSerial &radio() { return m_radio; }
     [[nodiscard]] RadioBench &sound() { return m_sound; }
@@ -49,11 +58,14 @@ public:
 
 private:
     [[nodiscard]] QString window() const;
+    [[nodiscard]] QString configurationFolder() const;
+    [[nodiscard]] QJsonObject configuredAccount() const;
     [[nodiscard]] bool writeConfiguration() const;
     [[nodiscard]] QProcessEnvironment environment() const;
 
     Settings m_settings;
     const Display *m_display;
+    const AppDriver *m_driver = nullptr;
     QTemporaryDir m_home;
     FakeSerial m_radio;
     RadioBench m_sound;
