@@ -124,8 +124,8 @@ void MainActions::createRoomMenu(QMainWindow *window)
 void MainActions::createSerialMenu(QMainWindow *window)
 {
     QMenu *serial = window->menuBar()->addMenu(QStringLiteral("&Serial"));
-    serialConfiguration = addItem(serial, {"serialConfiguration", "&Serial Configuration", "Ctrl+Shift+P",
-                                           "Configure serial port for PTT/COS"});
+    serialConfiguration = addItem(
+        serial, {"serialConfiguration", "&Serial Configuration", "Ctrl+Shift+P", "Configure serial port for PTT/COS"});
 }
 
 void MainActions::createHelpMenu(QMainWindow *window)

@@ -92,7 +92,9 @@ void HardwareIdTest::readsWmic()
 
 void HardwareIdTest::usesTheProcessorThatWmicNames()
 {
-    const FakeProgram wmic(QStringLiteral("wmic"), "[ \"$*\" = 'cpu get ProcessorId' ] && printf 'ProcessorId\\r\\n0123456789ABCDEF  \\r\\n'\n");
+    const FakeProgram wmic(
+        QStringLiteral("wmic"),
+        "[ \"$*\" = 'cpu get ProcessorId' ] && printf 'ProcessorId\\r\\n0123456789ABCDEF  \\r\\n'\n");
     QCOMPARE(generateHardwareId(), expectedFor(QStringLiteral("0123456789ABCDEF")));
 }
 
