@@ -6,6 +6,7 @@
 #include <QList>
 #include <QThread>
 
+#include <algorithm>
 #include <csignal>
 #include <sys/prctl.h>
 #include <sys/wait.h>
@@ -45,10 +46,11 @@ bool signalUntilGone(const QString &mark, int signal, std::chrono::milliseconds 
                 signalled.append(process);
             }
         }
-        // Only what has been adopted is this process's to bury; of the others their parent hears.
-        for (const pid_t process : std::as_const(signalled))
-            ::waitpid(process, nullptr, WNOHANG);
-        if (left.isEmpty())
+        // Only what has been adopted is this process's to bury; of the others their parent hears. A process loses its
+        // environment a moment before it can be buried.
+        const bool allBuried = std::all_of(signalled.cbegin(), signalled.cend(),
+                                           [](pid_t process) { return ::waitpid(process, nullptr, WNOHANG) != 0; });
+        if (left.isEmpty() && allBuried)
             return true;
         if (clock.hasExpired(timeout.count()))
             return false;
