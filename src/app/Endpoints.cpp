@@ -15,8 +15,11 @@ Endpoints Endpoints::configured(const Config &config)
 {
     Endpoints endpoints = builtIn();
     const QUrl registry(config.value(QStringLiteral("registry_url")).toString(), QUrl::StrictMode);
-    if (registry.isValid() && !registry.host().isEmpty() &&
-        (registry.scheme() == QLatin1String("https") || registry.scheme() == QLatin1String("http")))
-        endpoints.registryUrl = registry.toString(QUrl::StripTrailingSlash);
+    const bool isWeb = registry.scheme() == QLatin1String("https") || registry.scheme() == QLatin1String("http");
+    if (registry.isValid() && isWeb && !registry.host().isEmpty() && !registry.hasQuery() && !registry.hasFragment()) {
+        endpoints.registryUrl = registry.toString();
+        while (endpoints.registryUrl.endsWith(QLatin1Char('/')))
+            endpoints.registryUrl.chop(1);
+    }
     return endpoints;
 }

@@ -107,7 +107,7 @@ bool namesValidity(const QString &title)
            title.contains(QLatin1String("berlaku")) || title.contains(QLatin1String("expir"));
 }
 
-/// Of several items of one kind the first that says something counts.
+/// Of several names, validities or states the first that says something counts.
 void keepFirst(QString *text, const QString &value)
 {
     if (text->isEmpty())
@@ -122,8 +122,9 @@ bool gather(const QVector<Item> &items, RegistryRecord *record)
         if (item.title.contains(QLatin1String("nama")) && !item.title.contains(QLatin1String("penggunaan")))
             keepFirst(&record->name, item.value);
         if (item.title.contains(QLatin1String("alamat"))) {
+            if (!hasAddress)
+                record->address = item.value;
             hasAddress = true;
-            keepFirst(&record->address, item.value);
         } else if (namesValidity(item.title)) {
             keepFirst(&record->validity, item.value);
         } else if (item.title.contains(QLatin1String("status"))) {

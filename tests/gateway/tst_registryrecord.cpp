@@ -229,6 +229,7 @@ void RegistryRecordTest::readsAddress_data()
     QTest::newRow("references stay as they came")
         << page(item("Alamat", "A &amp; B &#39;C&#39;")) << q("A &amp; B &#39;C&#39;");
     QTest::newRow("accents") << page(item("Alamat", "Jl. Café")) << q("Jl. Café");
+    QTest::newRow("the first even if it is empty") << page(item("Alamat", "") + item("Alamat Surat", "B")) << QString();
     QTest::newRow("of several the first") << page(item("Alamat", "A") + item("Alamat Surat", "B")) << q("A");
     QTest::newRow("longer title") << page(item("ALAMAT STASIUN:", "A")) << q("A");
     QTest::newRow("a nested div ends the value") << page(item("Alamat", "A<div>B</div>C")) << q("AB");

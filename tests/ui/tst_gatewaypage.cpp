@@ -163,6 +163,7 @@ void GatewayPageTest::asksAsABrowserDoes()
     QVERIFY2(request.startsWith("GET /registrant/searchDataIar/?callsign=YH0AB HTTP/1.1\r\n"), request);
     QVERIFY2(request.contains("\r\nUser-Agent: Mozilla/5.0\r\n"), request);
     QVERIFY2(request.contains("\r\nX-Requested-With: XMLHttpRequest\r\n"), request);
+    QVERIFY2(request.contains("\r\nAccept-Encoding: identity\r\n"), request); // a packed page may unfold without end
 }
 
 void GatewayPageTest::tellsThatItChecks()

@@ -115,6 +115,8 @@ void GatewayRegistrationTest::succeeds_data()
     QTest::newRow("without a line end") << hello << Answers{"REGISTER_OK"};
     QTest::newRow("in pieces") << hello << Answers{"REGI", "STER_", "OK|Ba", "ik\r\n"};
     QTest::newRow("after other lines") << hello << Answers{"SERVER_INFO|{}\r\n", "REGISTER_OK|Baik\r\n"};
+    QTest::newRow("after lines that look like it")
+        << hello << Answers{"CHAT|ERROR REGISTER_FAILED\r\n", "REGISTER_OK|Baik\r\n"};
     QTest::newRow("within a line") << hello << Answers{"ERROR_CODE 0 REGISTER_OK\r\n"};
     QTest::newRow("no greeting") << QByteArray() << Answers{"REGISTER_OK\r\n"};
     QTest::newRow("a greeting that looks like a refusal")
@@ -182,6 +184,8 @@ void GatewayRegistrationTest::failsAsTheServerSays_data()
     QTest::newRow("empty reason") << Answers{"REGISTER_FAILED|\r\n"} << QString();
     QTest::newRow("a bar in the reason") << Answers{"REGISTER_FAILED|a|b\r\n"} << q("a|b");
     QTest::newRow("in pieces") << Answers{"REGISTER_FAILED|Call", "sign salah\r\n"} << q("Callsign salah");
+    QTest::newRow("after other lines") << Answers{"SERVER_INFO|{}\r\n", "REGISTER_FAILED|Callsign salah\r\n"}
+                                       << q("Callsign salah");
     QTest::newRow("error") << Answers{"ERROR|Perintah tidak dikenal\r\n"} << q("Perintah tidak dikenal");
     QTest::newRow("something else") << Answers{"  apa?  "} << q("apa?");
     QTest::newRow("without end") << Answers{QByteArray(100000, 'x')} << QString(4096, QLatin1Char('x'));

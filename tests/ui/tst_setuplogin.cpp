@@ -54,7 +54,7 @@ void SetupLoginTest::init()
 {
     m_rig = std::make_unique<SetupRig>(QJsonObject{{q("other"), q("kept")}});
     m_rig->open();
-    m_dialog = std::make_unique<LoginDialog>(m_rig->wizard().gatewayData(), m_rig->prompts);
+    m_dialog = std::make_unique<LoginDialog>(m_rig->endpoints.serverHost, m_rig->prompts);
     m_dialog->show();
 }
 

@@ -60,7 +60,7 @@ void SetupPicturesTest::nothingIsCutOff()
         rig.wizard().resize(rig.wizard().minimumSize());
         QCOMPARE(cutOff(rig.wizard()), QStringList());
     }
-    LoginDialog login(rig.wizard().gatewayData(), rig.prompts);
+    LoginDialog login(rig.endpoints.serverHost, rig.prompts);
     QVERIFY(!Screenshots::save(login, QStringLiteral("setup-login-") + theme).isNull());
     login.show();
     QCOMPARE(cutOff(login), QStringList());

@@ -4,6 +4,7 @@
 #include "ui/setup/PasswordPage.h"
 
 #include <QApplication>
+#include <QClipboard>
 #include <QFile>
 #include <QGroupBox>
 #include <QLabel>
@@ -234,8 +235,8 @@ void SetupWizardTest::fieldsHaveTheirBounds()
 void SetupWizardTest::takesNoQuotes_data()
 {
     QTest::addColumn<QByteArray>("name");
-    for (const char *name : {"defaultRoomEdit", "callsignEdit", "gatewayNameEdit", "frequencyEdit", "locationEdit",
-                             "emailEdit", "whatsappEdit", "passwordEdit"})
+    for (const char *name : {"serverAddressEdit", "defaultRoomEdit", "callsignEdit", "gatewayNameEdit", "frequencyEdit",
+                             "locationEdit", "emailEdit", "whatsappEdit", "passwordEdit"})
         QTest::newRow(name) << QByteArray(name);
 }
 
@@ -244,6 +245,12 @@ void SetupWizardTest::takesNoQuotes()
     QFETCH(QByteArray, name);
     m_rig->type(name.constData(), q("A\"B"));
     QCOMPARE(m_rig->text(name.constData()), q("AB"));
+    // A pasted line end must not begin another command.
+    auto *widget = m_rig->find<QWidget>(name.constData());
+    QApplication::clipboard()->setText(q("X\r\nQUIT\n"));
+    QMetaObject::invokeMethod(widget, "paste");
+    const QString text = m_rig->text(name.constData());
+    QVERIFY2(!text.contains(QLatin1Char('\n')) && !text.contains(QLatin1Char('\r')), qPrintable(text));
 }
 
 void SetupWizardTest::passwordIsMandatoryOnly()

@@ -3,9 +3,11 @@
 #include "app/Product.h"
 
 #include <QApplication>
-#include <QElapsedTimer>
+#include <QDeadlineTimer>
+#include <QEventLoop>
 #include <QScreen>
 #include <QStyle>
+#include <QTimer>
 #include <QWindow>
 
 #include <chrono>
@@ -13,6 +15,7 @@
 namespace {
 
 constexpr std::chrono::milliseconds kLongestWait{500}; ///< a window that is not shown by then is done without
+constexpr std::chrono::milliseconds kLook{10};
 constexpr QSize kSize(360, 90);
 
 } // namespace
@@ -29,10 +32,15 @@ BusyNotice::BusyNotice(const QString &text)
                                     QApplication::primaryScreen()->availableGeometry()));
     QApplication::setOverrideCursor(Qt::WaitCursor);
     show();
-    QElapsedTimer waited;
-    waited.start();
-    while (!windowHandle()->isExposed() && !waited.hasExpired(kLongestWait.count()))
-        QApplication::processEvents(QEventLoop::ExcludeUserInputEvents, 50);
+    QEventLoop untilShown;
+    QTimer look;
+    const QDeadlineTimer deadline(kLongestWait);
+    connect(&look, &QTimer::timeout, &untilShown, [this, &untilShown, &deadline] {
+        if (windowHandle()->isExposed() || deadline.hasExpired())
+            untilShown.quit();
+    });
+    look.start(kLook);
+    untilShown.exec(QEventLoop::ExcludeUserInputEvents);
     repaint();
 }
 

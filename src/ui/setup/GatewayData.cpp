@@ -20,7 +20,9 @@ bool GatewayData::isComplete() const
 GatewayData GatewayData::fromConfig(const Config &config, const Endpoints &endpoints)
 {
     GatewayData data;
-    data.serverAddress = stored(config, "server_address", endpoints.serverHost);
+    data.serverAddress = stored(config, "server_address");
+    if (data.serverAddress.isEmpty())
+        data.serverAddress = endpoints.serverHost;
     data.serverPort = config.serverPort();
     data.defaultRoom = stored(config, "default_room", QStringLiteral("== LOBBY =="));
     data.callsign = stored(config, "callsign");

@@ -9,6 +9,7 @@
 #include <QCoreApplication>
 #include <QDeadlineTimer>
 #include <QDebug>
+#include <QRegularExpression>
 #include <QTcpSocket>
 
 #include <chrono>
@@ -39,10 +40,12 @@ int toInt(milliseconds time)
 /// may come before it.
 bool isWhole(const QByteArray &received)
 {
-    for (const char *word : {"REGISTER_", "ERROR"}) {
-        const int start = received.indexOf(word);
-        if (start >= 0 && received.indexOf('\n', start) >= 0)
+    int start = 0;
+    for (int end = received.indexOf('\n'); end >= 0; end = received.indexOf('\n', start)) {
+        const QByteArray line = received.mid(start, end - start);
+        if (line.contains("REGISTER_OK") || line.startsWith("REGISTER_FAILED") || line.startsWith("ERROR|"))
             return true;
+        start = end + 1;
     }
     return false;
 }
@@ -56,7 +59,7 @@ QByteArray readAnswer(QTcpSocket &socket)
             break;
         answer += socket.read(kLongestAnswer - answer.size());
     }
-    return answer;
+    return answer + socket.read(kLongestAnswer - answer.size()); // what came with the goodbye
 }
 
 struct Exchange
@@ -124,7 +127,10 @@ Commands::Registration GatewayRegistration::recordOf(const GatewayData &data, co
 
 QString GatewayRegistration::reasonIn(const QString &answer)
 {
-    const QString text = answer.trimmed();
+    static const QRegularExpression refusal(QStringLiteral("^(?:REGISTER_FAILED|ERROR)\\|.*$"),
+                                            QRegularExpression::MultilineOption);
+    const QRegularExpressionMatch match = refusal.match(answer);
+    const QString text = (match.hasMatch() ? match.captured() : answer).trimmed();
     return text.mid(text.indexOf(QLatin1Char('|')) + 1);
 }
 

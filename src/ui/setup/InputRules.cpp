@@ -19,13 +19,14 @@ QString InputRules::makeCallsign(QLineEdit &edit)
 
 QString InputRules::quoteRefusal()
 {
-    return QStringLiteral("Tanda kutip (\") tidak dapat digunakan di sini.");
+    return QStringLiteral("Tanda kutip (\") dan ganti baris tidak dapat digunakan di sini.");
 }
 
 void InputRules::refuseQuotes(QLineEdit &edit)
 {
-    static const QRegularExpression noQuotes(QStringLiteral("[^\"]*"));
-    edit.setValidator(new QRegularExpressionValidator(noQuotes, &edit));
+    // What is pasted may bring its line end along.
+    static const QRegularExpression oneLine(QStringLiteral("[^\"\\x00-\\x1f\\x7f]*"));
+    edit.setValidator(new QRegularExpressionValidator(oneLine, &edit));
     QObject::connect(&edit, &QLineEdit::inputRejected, &edit, [&edit] {
         // Also told when the field is full, which needs no explanation.
         if (edit.text().size() < edit.maxLength())
@@ -35,5 +36,10 @@ void InputRules::refuseQuotes(QLineEdit &edit)
 
 QString InputRules::withoutQuotes(QString text)
 {
-    return text.replace(QLatin1Char('"'), QLatin1Char('\''));
+    text.replace(QLatin1Char('"'), QLatin1Char('\''));
+    for (QChar &character : text) {
+        if (character.category() == QChar::Other_Control)
+            character = QLatin1Char(' ');
+    }
+    return text;
 }

@@ -17,8 +17,8 @@ constexpr int kHighestPort = 65535;
 /// new text.
 QString makeCallsign(QLineEdit &edit);
 
-/// Texts travel to the server between double quotes, which cannot be escaped: the field takes none, and says so when
-/// one is typed.
+/// Texts travel to the server in one line, between double quotes, which cannot be escaped: the field takes neither
+/// those nor control characters, and says so.
 void refuseQuotes(QLineEdit &edit);
 /// What is left of a text from elsewhere for such a field.
 [[nodiscard]] QString withoutQuotes(QString text);

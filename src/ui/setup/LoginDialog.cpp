@@ -2,7 +2,6 @@
 
 #include "app/Config.h"
 #include "ui/Prompts.h"
-#include "ui/setup/GatewayData.h"
 #include "ui/setup/InputRules.h"
 
 #include <QCheckBox>
@@ -19,30 +18,32 @@
 namespace {
 
 constexpr int kWidth = 400;
+constexpr int kDefaultPort = 8080;
 
 } // namespace
 
-LoginDialog::LoginDialog(const GatewayData &proposal, Prompts &prompts, QWidget *parent)
+LoginDialog::LoginDialog(const QString &serverHost, Prompts &prompts, QWidget *parent)
     : QDialog(parent)
     , m_prompts(prompts)
 {
     setObjectName(QStringLiteral("loginDialog"));
     setWindowTitle(QStringLiteral("Login ke eVOX SINAR"));
     setMinimumWidth(kWidth);
-    createFields(proposal);
+    createFields(serverHost);
     layOut();
     m_callsign->setFocus();
 }
 
-void LoginDialog::createFields(const GatewayData &proposal)
+void LoginDialog::createFields(const QString &serverHost)
 {
-    m_server = new QLineEdit(proposal.serverAddress, this);
+    m_server = new QLineEdit(serverHost, this);
     m_server->setObjectName(QStringLiteral("loginServerEdit"));
     m_server->setMaxLength(InputRules::kLongestHost);
+    InputRules::refuseQuotes(*m_server);
     m_port = new QSpinBox(this);
     m_port->setObjectName(QStringLiteral("loginPortSpin"));
     m_port->setRange(1, InputRules::kHighestPort);
-    m_port->setValue(proposal.serverPort);
+    m_port->setValue(kDefaultPort);
     m_callsign = new QLineEdit(this);
     m_callsign->setObjectName(QStringLiteral("loginCallsignEdit"));
     m_callsign->setPlaceholderText(QStringLiteral("Callsign Anda"));

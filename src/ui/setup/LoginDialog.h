@@ -6,7 +6,6 @@ class Prompts;
 class QLabel;
 class QLineEdit;
 class QSpinBox;
-struct GatewayData;
 
 /// The way round the registration for those who have an account: stores the login data in the configuration. They are
 /// not checked with the server here; the next start logs in with them.
@@ -15,10 +14,11 @@ class LoginDialog final : public QDialog
     Q_OBJECT
 
 public:
-    LoginDialog(const GatewayData &proposal, Prompts &prompts, QWidget *parent = nullptr);
+    /// The server that is proposed.
+    LoginDialog(const QString &serverHost, Prompts &prompts, QWidget *parent = nullptr);
 
 private:
-    void createFields(const GatewayData &proposal);
+    void createFields(const QString &serverHost);
     void layOut();
     void logIn();
 

@@ -22,5 +22,5 @@ LookupStatus::LookupStatus(const QString &objectName, QWidget *parent)
 void LookupStatus::tell(const QString &text, const char *style)
 {
     Theme::restyle(*this, QLatin1String(style));
-    setText(text);
+    setText(text.left(kLongest));
 }

@@ -19,6 +19,8 @@ public:
     static const char *const kRefused; ///< red, bold
     static const char *const kPlain;   ///< none
 
+    static constexpr int kLongest = 300; ///< characters shown
+
     explicit LookupStatus(const QString &objectName, QWidget *parent = nullptr);
 
     void tell(const QString &text, const char *style);

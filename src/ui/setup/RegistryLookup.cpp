@@ -33,6 +33,7 @@ void RegistryLookup::ask(const QString &callsign)
     QNetworkRequest request(QUrl(m_registryUrl + QLatin1String("/registrant/searchDataIar/?callsign=") + callsign));
     request.setRawHeader("User-Agent", "Mozilla/5.0");
     request.setRawHeader("X-Requested-With", "XMLHttpRequest");
+    request.setRawHeader("Accept-Encoding", "identity"); // a small compressed page may unfold without end
     m_reply = m_manager.get(request);
     m_reply->setReadBufferSize(RegistryRecord::kLargestPage + 1);
     connect(m_reply, &QNetworkReply::finished, this, [this, reply = m_reply.data()] { onFinished(reply); });

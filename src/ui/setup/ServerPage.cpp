@@ -15,14 +15,15 @@ ServerPage::ServerPage(const GatewayData &proposal, QWidget *parent)
     setTitle(QStringLiteral("Konfigurasi Server"));
     setSubTitle(QStringLiteral("Masukkan informasi koneksi ke server eVOX SINAR"));
 
-    auto *address = new QLineEdit(proposal.serverAddress, this);
+    auto *address = new QLineEdit(InputRules::withoutQuotes(proposal.serverAddress), this);
     address->setObjectName(QStringLiteral("serverAddressEdit"));
     address->setMaxLength(InputRules::kLongestHost);
+    InputRules::refuseQuotes(*address);
     auto *port = new QSpinBox(this);
     port->setObjectName(QStringLiteral("serverPortSpin"));
     port->setRange(1, InputRules::kHighestPort);
     port->setValue(proposal.serverPort);
-    auto *room = new QLineEdit(proposal.defaultRoom, this);
+    auto *room = new QLineEdit(InputRules::withoutQuotes(proposal.defaultRoom), this);
     room->setObjectName(QStringLiteral("defaultRoomEdit"));
     room->setMaxLength(InputRules::kLongestText);
     room->setPlaceholderText(QStringLiteral("Nama room default, contoh: == LOBBY =="));

@@ -104,7 +104,7 @@ void SetupWizard::done(int result)
 void SetupWizard::showLogin()
 {
     const QPointer<SetupWizard> self(this);
-    const QPointer<LoginDialog> dialog = new LoginDialog(m_proposal, m_prompts, this);
+    const QPointer<LoginDialog> dialog = new LoginDialog(m_defaultHost, m_prompts, this);
     const bool accepted = dialog->exec() == QDialog::Accepted;
     delete dialog;
     if (self && accepted)

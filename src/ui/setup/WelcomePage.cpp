@@ -26,6 +26,7 @@ WelcomePage::WelcomePage(QWidget *parent)
     auto *login = new QPushButton(QStringLiteral("Sudah Punya Akun? Login"), this);
     login->setObjectName(QStringLiteral("loginButton"));
     login->setProperty("meaning", QStringLiteral("accent"));
+    login->setMinimumHeight(2 * fontMetrics().lineSpacing());
     connect(login, &QPushButton::clicked, this, &WelcomePage::loginRequested);
 
     auto *layout = new QVBoxLayout(this);
