@@ -44,6 +44,15 @@ QPushButton *createButton(const QString &text, const char *name, QWidget *parent
     return button;
 }
 
+QList<QAudioDeviceInfo> devicesOf(QAudio::Mode mode)
+{
+    QList<QAudioDeviceInfo> devices = QAudioDeviceInfo::availableDevices(mode);
+    // Where there is no device, the toolkit lists one without a name.
+    if (devices.size() == 1 && devices.first().deviceName().isEmpty())
+        devices.clear();
+    return devices;
+}
+
 /// @p direction is "input" or "output", @p label the same with a capital.
 void fill(QComboBox &combo, const QList<QAudioDeviceInfo> &devices, const char *label, const char *direction, int saved)
 {
@@ -152,9 +161,9 @@ void AudioSettingsPage::showSettings(const Settings &settings)
 // is selected.
 void AudioSettingsPage::refreshDevices(int inputDevice, int outputDevice)
 {
-    m_inputs = QAudioDeviceInfo::availableDevices(QAudio::AudioInput);
+    m_inputs = devicesOf(QAudio::AudioInput);
     fill(*m_input, m_inputs, "Input", "input", inputDevice);
-    fill(*m_output, QAudioDeviceInfo::availableDevices(QAudio::AudioOutput), "Output", "output", outputDevice);
+    fill(*m_output, devicesOf(QAudio::AudioOutput), "Output", "output", outputDevice);
 }
 
 void AudioSettingsPage::testInput()

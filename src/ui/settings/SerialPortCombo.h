@@ -12,6 +12,10 @@ class SerialPortCombo final : public QComboBox
 public:
     explicit SerialPortCombo(QWidget *parent = nullptr);
 
+    /// What an item shows: the name, and the first of the others that says something.
+    [[nodiscard]] static QString labelOf(const QString &name, const QString &description, const QString &manufacturer,
+                                         const QString &location);
+
     /// The name of the chosen port; empty when there is none.
     [[nodiscard]] QString port() const { return currentData().toString(); }
 

@@ -11,7 +11,9 @@
 #include <QMainWindow>
 #include <QPointer>
 #include <QPushButton>
+#include <QScreen>
 #include <QScrollArea>
+#include <QScrollBar>
 #include <QStatusBar>
 #include <QTabWidget>
 #include <QVBoxLayout>
@@ -21,7 +23,17 @@
 
 namespace {
 
+/// As large as its page, where there is room.
+class PageArea final : public QScrollArea
+{
+public:
+    using QScrollArea::QScrollArea;
+
+    [[nodiscard]] QSize sizeHint() const override { return widget()->sizeHint(); }
+};
+
 constexpr std::chrono::milliseconds kStatusTime{3000};
+constexpr qreal kScreenShare = 0.9; // the rest is for the frame
 
 QPushButton *addButton(QHBoxLayout *row, const QString &text, const char *name, const char *meaning = nullptr)
 {
@@ -62,15 +74,19 @@ SettingsDialog::SettingsDialog(Prompts &prompts, QWidget *parent)
     m_audio->showSettings(settings);
     m_serial->showSettings(settings);
     m_audio->refreshDevices(settings.inputDevice, settings.outputDevice);
+    resize(sizeHint().boundedTo(screen()->availableSize() * kScreenShare)); // left alone, it opens with two thirds
 }
 
-// On a small screen a page is scrolled.
+// On a small screen a page is scrolled, by the keyboard as well; else Tab has no business with what holds it.
 void SettingsDialog::addTab(QWidget *page, const QString &title)
 {
-    auto *area = new QScrollArea(m_tabs);
+    auto *area = new PageArea(m_tabs);
     area->setWidgetResizable(true);
     area->setFrameShape(QFrame::NoFrame);
     area->setWidget(page);
+    area->setFocusPolicy(Qt::NoFocus);
+    connect(area->verticalScrollBar(), &QScrollBar::rangeChanged, area,
+            [area](int, int maximum) { area->setFocusPolicy(maximum > 0 ? Qt::StrongFocus : Qt::NoFocus); });
     m_tabs->addTab(area, title);
 }
 
