@@ -8,15 +8,18 @@
 
 #include <QAbstractButton>
 #include <QApplication>
+#include <QFont>
 #include <QImage>
 #include <QLabel>
 #include <QScrollArea>
 #include <QScrollBar>
+#include <QSignalSpy>
 #include <QTabBar>
 #include <QTabWidget>
 
 namespace {
 
+constexpr int kPointSize = 10; // of an ordinary desktop; this platform's own is larger
 constexpr QSize kSmallScreen{1024, 600};
 
 QString q(const char *text)
@@ -68,6 +71,7 @@ private slots:
     void keyboardReaches_data();
     void keyboardReaches();
     void everyControlSaysWhatItIs();
+    void enterPressesWhatHasTheFocus();
 
 private:
     RadioBench m_bench;
@@ -76,6 +80,9 @@ private:
 void SettingsPicturesTest::initTestCase()
 {
     Theme::initResources();
+    QFont font = QApplication::font();
+    font.setPointSize(kPointSize);
+    QApplication::setFont(font);
     m_bench.useHere();
     QVERIFY(m_bench.start());
 }
@@ -173,6 +180,28 @@ void SettingsPicturesTest::everyControlSaysWhatItIs()
         }
     }
     QVERIFY(controls > 20);
+}
+
+void SettingsPicturesTest::enterPressesWhatHasTheFocus()
+{
+    const SettingsRig rig;
+    rig.find<QTabWidget>("settingsTabs")->setCurrentIndex(1);
+    QSignalSpy applied(rig.dialog, &SettingsDialog::settingsApplied);
+    const auto press = [&rig](const char *name) {
+        rig.dialog->show();
+        QApplication::setActiveWindow(rig.dialog);
+        rig.find<QWidget>(name)->setFocus();
+        QTest::keyClick(rig.find<QWidget>(name), Qt::Key_Return);
+    };
+    press("cancelButton");
+    QVERIFY(!rig.dialog->isVisible());
+    QCOMPARE(applied.size(), 0);
+    press("applyButton");
+    QVERIFY(rig.dialog->isVisible());
+    QCOMPARE(applied.size(), 1);
+    press("serverAddressEdit");
+    QVERIFY(!rig.dialog->isVisible());
+    QCOMPARE(applied.size(), 2);
 }
 
 EVOX_TEST_MAIN(SettingsPicturesTest, QApplication)

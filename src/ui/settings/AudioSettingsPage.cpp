@@ -40,7 +40,6 @@ QPushButton *createButton(const QString &text, const char *name, QWidget *parent
 {
     auto *button = new QPushButton(text, parent);
     button->setObjectName(QLatin1String(name));
-    button->setAutoDefault(false);
     return button;
 }
 

@@ -25,7 +25,6 @@ SerialConfigDialog::SerialConfigDialog(QWidget *parent)
     connect(saveButton, &QPushButton::clicked, this, &SerialConfigDialog::save);
     auto *cancelButton = new QPushButton(QStringLiteral("Cancel"), this);
     cancelButton->setObjectName(QStringLiteral("cancelButton"));
-    cancelButton->setAutoDefault(false);
     connect(cancelButton, &QPushButton::clicked, this, &QDialog::reject);
     auto *buttons = new QHBoxLayout;
     buttons->addStretch();

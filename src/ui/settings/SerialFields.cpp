@@ -4,6 +4,7 @@
 #include "ui/settings/Settings.h"
 
 #include <QFormLayout>
+#include <QGridLayout>
 #include <QGroupBox>
 #include <QRadioButton>
 #include <QVBoxLayout>
@@ -36,11 +37,12 @@ QFormLayout *createForm(QGroupBox *group)
 SerialFields::SerialFields(const Texts &texts, QWidget *parent)
     : QWidget(parent)
 {
-    auto *layout = new QVBoxLayout(this);
+    auto *layout = new QGridLayout(this); // two groups side by side, for screens of little height
     layout->setContentsMargins({});
-    layout->addWidget(createPort());
-    layout->addWidget(createPins(texts.cosPin));
-    layout->addWidget(createLogic(texts));
+    layout->addWidget(createPort(), 0, 0);
+    layout->addWidget(createPins(texts.cosPin), 0, 1);
+    layout->addWidget(createLogic(texts), 1, 0, 1, 2);
+    layout->setColumnStretch(0, 1); // the port's name is the longest text
 }
 
 QWidget *SerialFields::createPort()

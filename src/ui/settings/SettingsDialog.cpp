@@ -39,7 +39,6 @@ QPushButton *addButton(QHBoxLayout *row, const QString &text, const char *name, 
 {
     auto *button = new QPushButton(text, row->parentWidget());
     button->setObjectName(QLatin1String(name));
-    button->setAutoDefault(false);
     if (meaning)
         button->setProperty("meaning", QLatin1String(meaning));
     row->addWidget(button);
@@ -74,6 +73,7 @@ SettingsDialog::SettingsDialog(Prompts &prompts, QWidget *parent)
     m_audio->showSettings(settings);
     m_serial->showSettings(settings);
     m_audio->refreshDevices(settings.inputDevice, settings.outputDevice);
+    ensurePolished();                                                       // the style has its say in the size
     resize(sizeHint().boundedTo(screen()->availableSize() * kScreenShare)); // left alone, it opens with two thirds
 }
 
