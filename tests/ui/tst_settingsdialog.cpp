@@ -24,6 +24,8 @@
 
 namespace {
 
+constexpr int kPatience = 30000; // ms
+
 QString q(const char *text)
 {
     return QString::fromUtf8(text);
@@ -76,6 +78,8 @@ private slots:
     void foreignValuesShowAsDefaults();
     void writesEveryKey();
     void writesWhatWasRead();
+    void roomIsTakenAsTyped_data();
+    void roomIsTakenAsTyped();
     void reportsTheSettings_data();
     void reportsTheSettings();
     void logsAndTellsTheOwner_data();
@@ -284,6 +288,29 @@ void SettingsDialogTest::writesWhatWasRead()
     QCOMPARE(rig.config.saved(), everyKey());
 }
 
+void SettingsDialogTest::roomIsTakenAsTyped_data()
+{
+    QTest::addColumn<QString>("typed");
+    QTest::addColumn<QString>("room");
+    QTest::newRow("beginning of another") << q("Radio") << q("Radio");
+    QTest::newRow("other case") << q("lobby") << q("lobby");
+    QTest::newRow("quotes") << q("\"Bukit\"") << q("Bukit");
+    QTest::newRow("spaces around it") << q(" Rag Chew ") << q("Rag Chew");
+    QTest::newRow("too long") << QString(300, QLatin1Char('x')) << QString(100, QLatin1Char('x'));
+}
+
+void SettingsDialogTest::roomIsTakenAsTyped()
+{
+    QFETCH(QString, typed);
+    const SettingsRig rig;
+    rig.find<QTabWidget>("settingsTabs")->setCurrentIndex(1);
+    QLineEdit *edit = rig.find<QComboBox>("defaultRoomCombo")->lineEdit();
+    edit->clear();
+    QTest::keyClicks(edit, typed);
+    QTest::keyClick(edit, Qt::Key_Return);
+    QTEST(rig.config.saved().value(q("default_room")).toString(), "room");
+}
+
 void SettingsDialogTest::reportsTheSettings_data()
 {
     QTest::addColumn<QString>("button");
@@ -350,7 +377,7 @@ void SettingsDialogTest::logsAndTellsTheOwner()
     QCOMPARE(rig.window.statusBar()->currentMessage(), status);
     QTEST(rig.dialog->isVisible(), "open");
     messages.clear();
-    QVERIFY2(messages.wait(6000), "the status text stays");
+    QVERIFY2(messages.wait(kPatience), "the status text stays");
     QCOMPARE(rig.window.statusBar()->currentMessage(), QString());
 }
 

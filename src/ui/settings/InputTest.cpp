@@ -11,8 +11,8 @@
 namespace {
 
 constexpr std::chrono::milliseconds kReadInterval{20};
-constexpr int kReads = 50; // a second of them
-constexpr int kMostBytes = 1 << 20;
+constexpr int kReads = 50;          // a second of them
+constexpr int kMostBytes = 1 << 16; // of one read; more than half a second
 
 } // namespace
 
@@ -54,7 +54,7 @@ void InputTest::onTick()
     if (m_reads < kReads) {
         ++m_reads;
         if (m_device)
-            m_recording += m_device->read(kMostBytes - m_recording.size());
+            m_recording += m_device->read(kMostBytes);
         return;
     }
     const int level = SoundCheck::level(m_recording);

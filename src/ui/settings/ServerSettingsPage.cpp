@@ -40,6 +40,7 @@ void ServerSettingsPage::createFields(QWidget *parent)
     m_room->setObjectName(QStringLiteral("defaultRoomCombo"));
     m_room->setEditable(true);
     m_room->setInsertPolicy(QComboBox::NoInsert);
+    m_room->setCompleter(nullptr); // "Radio" is a room of its own, not the beginning of "Radio Technical"
     m_room->addItems({QStringLiteral("Lobby"), QStringLiteral("DX Cluster"), QStringLiteral("Rag Chew"),
                       QStringLiteral("Emergency"), QStringLiteral("Radio Technical"),
                       QStringLiteral("VHF Nusantara Net"), QStringLiteral("Technical")});

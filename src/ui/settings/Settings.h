@@ -31,7 +31,8 @@ namespace StoredSettings {
 
 /// A missing key reads as its default.
 [[nodiscard]] Settings read();
-/// Writes every key and saves the file. A file that cannot be written is logged.
+/// Writes every key, makes the program start with the user's session or not, and saves the file. A file that cannot
+/// be written is logged.
 void write(const Settings &settings);
 /// The same for the keys of the serial port alone.
 void writeSerial(const Settings &settings);
