@@ -68,6 +68,17 @@ bool Prompts::offer(const QString &title, const QString &text)
     return ask(prompt).accepted;
 }
 
+bool Prompts::propose(const QString &title, const QString &richText, const QString &informativeText,
+                      const QString &acceptLabel, const QString &rejectLabel)
+{
+    Prompt prompt = notice(Prompt::Kind::Proposal, title, richText);
+    prompt.informativeText = informativeText;
+    prompt.acceptLabel = acceptLabel;
+    prompt.rejectLabel = rejectLabel;
+    prompt.yesIsDefault = true;
+    return ask(prompt).accepted;
+}
+
 std::optional<QString> Prompts::text(const QString &title, const QString &label, const QString &initialText)
 {
     Prompt prompt = notice(Prompt::Kind::Text, title, label);

@@ -9,11 +9,25 @@
 /// One blocking question or notice.
 struct Prompt
 {
-    enum class Kind { Information, Warning, Critical, Question, WarningQuestion, Text, Password, Number, Choice };
+    enum class Kind {
+        Information,
+        Warning,
+        Critical,
+        Question,
+        WarningQuestion,
+        Proposal,
+        Text,
+        Password,
+        Number,
+        Choice
+    };
 
     Kind kind = Kind::Information;
     QString title;
     QString text;              ///< the box's text, or the label above the input
+    QString informativeText;   ///< Kind::Proposal, below the text; rich text, as the text is then
+    QString acceptLabel;       ///< Kind::Proposal, the default button
+    QString rejectLabel;       ///< Kind::Proposal
     QString initialText;       ///< Kind::Text
     QStringList choices;       ///< Kind::Choice, the first is selected
     int value = 0;             ///< Kind::Number
@@ -25,7 +39,7 @@ struct Prompt
 /// What the operator answered.
 struct PromptReply
 {
-    bool accepted = false; ///< OK or Yes; false for Cancel, No and a closed box
+    bool accepted = false; ///< OK, Yes or the proposal's button; false for Cancel, No and a closed box
     QString text;          ///< Kind::Text, Password, Choice
     int number = 0;        ///< Kind::Number
 };
@@ -53,6 +67,10 @@ public:
     [[nodiscard]] bool confirm(const QString &title, const QString &text);
     /// Yes or No with the warning icon; Yes is the default.
     [[nodiscard]] bool offer(const QString &title, const QString &text);
+    /// The information icon and two buttons of its own; whether the first was chosen, which is the default. Both texts
+    /// are rich text: what comes from elsewhere must be escaped in them. Line ends in @p informativeText are shown.
+    [[nodiscard]] bool propose(const QString &title, const QString &richText, const QString &informativeText,
+                               const QString &acceptLabel, const QString &rejectLabel);
     [[nodiscard]] std::optional<QString> text(const QString &title, const QString &label,
                                               const QString &initialText = {});
     [[nodiscard]] std::optional<QString> password(const QString &title, const QString &label);

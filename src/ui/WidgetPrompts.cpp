@@ -1,9 +1,19 @@
 #include "ui/WidgetPrompts.h"
 
 #include <QInputDialog>
+#include <QLabel>
+#include <QLayout>
 #include <QLineEdit>
+#include <QPushButton>
+#include <QScreen>
+#include <QScrollArea>
+
+#include <algorithm>
 
 namespace {
+
+constexpr int kInformativeWidth = 380; // logical pixels, of the text below a proposal
+constexpr int kInformativeShare = 3;   // it may take this part of the screen's height
 
 bool isInput(Prompt::Kind kind)
 {
@@ -47,6 +57,33 @@ void prepare(QInputDialog *dialog, const Prompt &prompt)
     }
 }
 
+/// Puts the informative text into an area that scrolls: a long list of changes would push the buttons off the screen.
+void letScroll(QMessageBox *box)
+{
+    auto *label = box->findChild<QLabel *>(QStringLiteral("qt_msgbox_informativelabel"));
+    if (!label || !box->layout())
+        return;
+    auto *area = new QScrollArea(box);
+    area->setObjectName(QStringLiteral("informativeArea"));
+    delete box->layout()->replaceWidget(label, area);
+    label->setWordWrap(true);
+    area->setWidget(label);
+    area->setWidgetResizable(true);
+    const int most = box->screen()->availableGeometry().height() / kInformativeShare;
+    area->setMinimumSize(kInformativeWidth, std::min(label->heightForWidth(kInformativeWidth), most));
+}
+
+void dressProposal(QMessageBox *box, const Prompt &prompt)
+{
+    box->setTextFormat(Qt::RichText);
+    // Line ends are only blanks in rich text unless it is told otherwise.
+    box->setInformativeText(QLatin1String("<div style=\"white-space: pre-wrap;\">") + prompt.informativeText +
+                            QLatin1String("</div>"));
+    box->button(QMessageBox::Yes)->setText(prompt.acceptLabel);
+    box->button(QMessageBox::No)->setText(prompt.rejectLabel);
+    letScroll(box);
+}
+
 } // namespace
 
 PromptReply WidgetPrompts::show(const Prompt &prompt)
@@ -62,7 +99,8 @@ QWidget *WidgetPrompts::parent() const
 
 PromptReply WidgetPrompts::showBox(const Prompt &prompt)
 {
-    const bool asks = prompt.kind == Prompt::Kind::Question || prompt.kind == Prompt::Kind::WarningQuestion;
+    const bool asks = prompt.kind == Prompt::Kind::Question || prompt.kind == Prompt::Kind::WarningQuestion ||
+                      prompt.kind == Prompt::Kind::Proposal;
     // Not on the stack: the window deletes its boxes when it goes.
     const QPointer<QMessageBox> box = new QMessageBox(parent());
     box->setIcon(iconOf(prompt.kind));
@@ -72,6 +110,8 @@ PromptReply WidgetPrompts::showBox(const Prompt &prompt)
     box->setStandardButtons(asks ? QMessageBox::Yes | QMessageBox::No : QMessageBox::Ok);
     if (asks)
         box->setDefaultButton(prompt.yesIsDefault ? QMessageBox::Yes : QMessageBox::No);
+    if (prompt.kind == Prompt::Kind::Proposal)
+        dressProposal(box, prompt);
     const int answer = box->exec();
     delete box;
     return {answer == QMessageBox::Yes || answer == QMessageBox::Ok, {}, 0};

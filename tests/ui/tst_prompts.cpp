@@ -5,9 +5,11 @@
 
 #include <QApplication>
 #include <QInputDialog>
+#include <QLabel>
 #include <QLineEdit>
 #include <QMessageBox>
 #include <QPushButton>
+#include <QScreen>
 #include <QTimer>
 
 class PromptsTest final : public QObject
@@ -21,6 +23,9 @@ private slots:
     void boxShowsTitleTextAndButtons_data();
     void boxShowsTitleTextAndButtons();
     void boxTakesServerTextsLiterally();
+    void proposal_data();
+    void proposal();
+    void longProposalScrolls();
     void inputs();
     void windowThatGoesUnderABoxCancelsIt();
     void windowThatGoesUnderAnInputCancelsIt();
@@ -161,6 +166,58 @@ void PromptsTest::boxTakesServerTextsLiterally()
     });
     prompts.warning(kTitle, QStringLiteral("<b>not bold</b>"));
     QCOMPARE(format, Qt::PlainText);
+}
+
+void PromptsTest::proposal_data()
+{
+    QTest::addColumn<int>("key");
+    QTest::addColumn<bool>("accepted");
+    QTest::newRow("the default button") << int(Qt::Key_Return) << true;
+    QTest::newRow("Escape") << int(Qt::Key_Escape) << false;
+}
+
+void PromptsTest::proposal()
+{
+    QFETCH(int, key);
+    WidgetPrompts prompts;
+    QStringList labels;
+    whenOpen<QMessageBox>([&](QMessageBox *box) {
+        labels = QStringList{box->button(QMessageBox::Yes)->text(), box->button(QMessageBox::No)->text()};
+        QCOMPARE(box->buttons().size(), 2);
+        QCOMPARE(box->windowTitle(), kTitle);
+        QCOMPARE(box->icon(), QMessageBox::Information);
+        QCOMPARE(box->textFormat(), Qt::RichText);
+        QCOMPARE(box->text(), QStringLiteral("<h3>Three</h3>"));
+        QVERIFY(box->informativeText().contains(QStringLiteral("<b>Build:</b> 1\n\n&lt;b&gt;")));
+        QTest::keyClick(box, Qt::Key(key));
+    });
+    QTEST(prompts.propose(kTitle, QStringLiteral("<h3>Three</h3>"), QStringLiteral("<b>Build:</b> 1\n\n&lt;b&gt;"),
+                          QStringLiteral("Download"), QStringLiteral("Nanti")),
+          "accepted");
+    QCOMPARE(labels, QStringList({QStringLiteral("Download"), QStringLiteral("Nanti")}));
+}
+
+void PromptsTest::longProposalScrolls()
+{
+    WidgetPrompts prompts;
+    int fewLines = 0;
+    whenOpen<QMessageBox>([&fewLines](QMessageBox *box) {
+        fewLines = box->findChild<QLabel *>(QStringLiteral("qt_msgbox_informativelabel"))->height();
+        box->reject();
+    });
+    static_cast<void>(prompts.propose(kTitle, kTitle, QStringLiteral("a\nb\nc\nd"), kTitle, kTitle));
+    whenOpen<QMessageBox>([fewLines](QMessageBox *box) {
+        const auto *label = box->findChild<QLabel *>(QStringLiteral("qt_msgbox_informativelabel"));
+        QVERIFY2(label->height() > 20 * fewLines, "every line end is shown");
+        const QSize screen = box->screen()->availableSize();
+        QVERIFY(box->height() < screen.height() && box->width() < screen.width());
+        QVERIFY(box->rect().contains(box->button(QMessageBox::Yes)
+                                         ->geometry()
+                                         .translated(box->button(QMessageBox::Yes)->parentWidget()->pos())));
+        box->reject();
+    });
+    static_cast<void>(prompts.propose(kTitle, kTitle, QString(200, QLatin1Char('x')) + QString(200, QLatin1Char('\n')),
+                                      kTitle, kTitle));
 }
 
 void PromptsTest::inputs()

@@ -1,10 +1,9 @@
 #pragma once
 
-#include <QDialog>
-#include <QVariantMap>
+#include "ui/account/ReadoutDialog.h"
 
 /// What the server knows about one station, to read. Takes the server's record; every key may be missing.
-class UserInfoDialog final : public QDialog
+class UserInfoDialog final : public ReadoutDialog
 {
     Q_OBJECT
     Q_DISABLE_COPY_MOVE(UserInfoDialog)
