@@ -1,6 +1,7 @@
 #include "ui/MainWindow.h"
 
 #include "app/Config.h"
+#include "app/Endpoints.h"
 #include "app/Product.h"
 #include "audio/AudioEngine.h"
 #include "net/TcpClient.h"
@@ -8,6 +9,7 @@
 #include "radio/SerialManager.h"
 #include "ui/MainActions.h"
 #include "ui/Theme.h"
+#include "ui/UpdateCheck.h"
 #include "ui/room/RoomPanel.h"
 #include "ui/status/ControlPanel.h"
 
@@ -16,12 +18,14 @@
 #include <QAudioDeviceInfo>
 #include <QCloseEvent>
 #include <QDebug>
+#include <QDesktopServices>
 #include <QIcon>
 #include <QLabel>
 #include <QScreen>
 #include <QScrollArea>
 #include <QSplitter>
 #include <QStatusBar>
+#include <QUrl>
 
 #include <chrono>
 
@@ -69,6 +73,8 @@ MainWindow::MainWindow(const Endpoints &endpoints, Prompts &prompts)
     const bool dark = Config::instance().darkTheme();
     Theme::apply(*qApp, dark); // before there is anything to style twice
     m_actions = new MainActions(this);
+    m_updateCheck = new UpdateCheck(
+        endpoints.webUrl, prompts, [](const QUrl &url) { QDesktopServices::openUrl(url); }, this);
     createPanels();
     createStatusBar();
     setUpTimers();
@@ -157,6 +163,8 @@ void MainWindow::connectActions()
     connect(m_actions->connectToServer, &QAction::triggered, this, &MainWindow::onConnectToServer);
     connect(m_actions->disconnectFromServer, &QAction::triggered, this, &MainWindow::onDisconnectFromServer);
     connect(m_actions->exit, &QAction::triggered, this, &MainWindow::onExit);
+    connect(m_actions->settings, &QAction::triggered, this, &MainWindow::onSettings);
+    connect(m_actions->toolbarSettings, &QAction::triggered, this, &MainWindow::onSettings);
     connect(m_actions->darkTheme, &QAction::triggered, this, &MainWindow::onToggleTheme);
     connect(m_actions->joinRoom, &QAction::triggered, this, &MainWindow::onJoinRoom);
     connect(m_actions->toolbarJoin, &QAction::triggered, this, &MainWindow::onJoinRoom);
@@ -166,6 +174,15 @@ void MainWindow::connectActions()
     connect(m_actions->toolbarMicrophone, &QAction::toggled, this, &MainWindow::onMicMuteToggled);
     connect(m_actions->muteSpeaker, &QAction::toggled, this, &MainWindow::onSpeakerMuteToggled);
     connect(m_actions->toolbarSpeaker, &QAction::toggled, this, &MainWindow::onSpeakerMuteToggled);
+    connect(m_actions->viewProfile, &QAction::triggered, this, &MainWindow::onViewProfile);
+    connect(m_actions->editProfile, &QAction::triggered, this, &MainWindow::onEditProfile);
+    connect(m_actions->changePassword, &QAction::triggered, this, &MainWindow::onChangePassword);
+    connect(m_actions->resetDevice, &QAction::triggered, this, &MainWindow::onResetHwid);
+    connect(m_actions->serialConfiguration, &QAction::triggered, this, &MainWindow::onSerialConfig);
+    connect(m_actions->about, &QAction::triggered, this, &MainWindow::onAbout);
+    connect(m_actions->checkForUpdates, &QAction::triggered, this, &MainWindow::onCheckUpdate);
+    connect(m_actions->documentation, &QAction::triggered, this, &MainWindow::onDocumentation);
+    connect(m_actions->tutorial, &QAction::triggered, this, &MainWindow::onTutorial);
     connect(m_actions, &MainActions::roomChosen, m_client, &TcpClient::joinRoom);
 }
 
@@ -194,6 +211,7 @@ void MainWindow::connectServer()
     connect(m_client, &TcpClient::gatewayInfoReceived, this, &MainWindow::onGatewayInfo);
     connect(m_client, &TcpClient::allUsersReceived, this, &MainWindow::onAllUsers);
     connect(m_client, &TcpClient::userProfileReceived, this, &MainWindow::onUserProfile);
+    connect(m_client, &TcpClient::userPasswordChanged, this, &MainWindow::onPasswordChanged);
     connect(m_client, &TcpClient::userInfoReceived, this, &MainWindow::onUserInfoReceived);
     connect(m_client, &TcpClient::adminNotification, this, &MainWindow::onAdminNotification);
     connect(m_udp, &UdpAudio::udpReady, this, &MainWindow::onUdpReady);
@@ -233,10 +251,17 @@ void MainWindow::startAudio()
     m_engine->init(kSampleRate, kChannels, kFrameSize, kBitrate, kComplexity);
     m_engine->setMicGain(config.micGain());
     m_engine->setSpeakerGain(config.speakerGain());
-    m_engine->setInputDevice(deviceName(QAudio::AudioInput, config.inputDevice()));
-    m_engine->setOutputDevice(deviceName(QAudio::AudioOutput, config.outputDevice()));
+    chooseSoundDevices();
     m_engine->startPlayback();
     qDebug() << "[MainWindow] Playback started (once at startup)";
+}
+
+/// For the next time that capture and playback are opened.
+void MainWindow::chooseSoundDevices()
+{
+    const Config &config = Config::instance();
+    m_engine->setInputDevice(deviceName(QAudio::AudioInput, config.inputDevice()));
+    m_engine->setOutputDevice(deviceName(QAudio::AudioOutput, config.outputDevice()));
 }
 
 void MainWindow::openSerialPort()

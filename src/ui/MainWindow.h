@@ -1,6 +1,7 @@
 #pragma once
 
 #include "gateway/ConnectionState.h"
+#include "net/protocol/Commands.h"
 
 #include <QList>
 #include <QMainWindow>
@@ -17,7 +18,9 @@ class RoomPanel;
 class SerialManager;
 class TcpClient;
 class UdpAudio;
+class UpdateCheck;
 struct Endpoints;
+struct Settings;
 
 /// The gateway controller: owns the services and the panels, wires them and carries out what gateway/ decides. Also
 /// the program's only main window.
@@ -48,6 +51,16 @@ public slots:
     void onUdpFailed();
     void onToggleTheme();
     void onExit();
+    void onSettings();
+    void onViewProfile();
+    void onEditProfile();
+    void onChangePassword();
+    void onResetHwid();
+    void onSerialConfig();
+    void onAbout();
+    void onCheckUpdate();
+    void onDocumentation();
+    void onTutorial();
 
 protected:
     void closeEvent(QCloseEvent *event) override;
@@ -63,6 +76,7 @@ private:
     void connectPanels();
     void setUpTimers();
     void startAudio();
+    void chooseSoundDevices();
     void openSerialPort();
     void showStatus(const QString &text, int milliseconds = 0);
 
@@ -127,6 +141,14 @@ private:
     void onUserProfile(const QVariantMap &profile);
     void onAdminNotification(const QString &type, const QString &message);
 
+    // MainWindowDialogs.cpp: the dialogs of the menus
+    void applySettings(const Settings &settings);
+    [[nodiscard]] QVariantMap ownProfile() const;
+    void updateProfile(const Commands::OwnProfile &profile);
+    void onPasswordChanged(bool success, const QString &message);
+    void onSerialConfigured(const QString &port);
+    void openWebPage(const QString &path);
+
     const Endpoints &m_endpoints;
     Prompts &m_prompts;
 
@@ -137,6 +159,7 @@ private:
     RoomPanel *m_roomPanel = nullptr;
     ControlPanel *m_controlPanel = nullptr;
     MainActions *m_actions = nullptr;
+    UpdateCheck *m_updateCheck = nullptr;
     QLabel *m_pingLabel = nullptr;
     QLabel *m_audioErrorLabel = nullptr;
 
@@ -146,6 +169,7 @@ private:
     QTimer *m_keepaliveTimer = nullptr; ///< made when UDP is first ready
 
     QString m_serverAddress; ///< the host of the present control connection
+    QVariantMap m_ownProfile; ///< the own account as the server last told it; empty before
     QString m_infoRequest;   ///< callsign whose record was asked for
     int m_wrongPasswords = 0;
     bool m_retryPromptOpen = false;

@@ -158,6 +158,7 @@ void MainWindow::onAllUsers(const QList<QVariantMap> &users)
         if (callsign != own)
             continue;
         qDebug() << "[MainWindow] Found myself!";
+        m_ownProfile = user;
         onGatewayInfo(user);
         break;
     }
@@ -166,8 +167,10 @@ void MainWindow::onAllUsers(const QList<QVariantMap> &users)
 /// The account's own record comes with every login, to members who may not see the list of all users as well.
 void MainWindow::onUserProfile(const QVariantMap &profile)
 {
-    if (textOf(profile, "callsign") == Config::instance().callsign())
-        onGatewayInfo(profile);
+    if (textOf(profile, "callsign") != Config::instance().callsign())
+        return;
+    m_ownProfile = profile;
+    onGatewayInfo(profile);
 }
 
 void MainWindow::onAdminNotification(const QString &type, const QString &message)

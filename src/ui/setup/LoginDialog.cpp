@@ -72,7 +72,6 @@ void LoginDialog::layOut()
             [this](bool on) { m_password->setEchoMode(on ? QLineEdit::Normal : QLineEdit::Password); });
     auto *cancel = new QPushButton(QStringLiteral("Batal"), this);
     cancel->setObjectName(QStringLiteral("loginCancelButton"));
-    cancel->setAutoDefault(false);
     connect(cancel, &QPushButton::clicked, this, &QDialog::reject);
     auto *login = new QPushButton(QStringLiteral("Login"), this);
     login->setObjectName(QStringLiteral("loginAcceptButton"));
