@@ -9,6 +9,9 @@ function(evox_add_library folder)
     evox_warnings(evox_${folder})
 endfunction()
 
+# Everything that is no test.
+add_custom_target(programs)
+
 # evox_add_program(name SOURCES … LIBS …)
 function(evox_add_program name)
     cmake_parse_arguments(ARG "" "" "SOURCES;LIBS" ${ARGN})
@@ -16,6 +19,7 @@ function(evox_add_program name)
     target_include_directories(${name} PRIVATE ${CMAKE_SOURCE_DIR}/src)
     target_link_libraries(${name} PRIVATE ${ARG_LIBS})
     evox_warnings(${name})
+    add_dependencies(programs ${name})
 endfunction()
 
 file(WRITE ${CMAKE_BINARY_DIR}/no-alsa.conf "# empty: hides every device\n")
