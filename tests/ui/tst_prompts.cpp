@@ -12,6 +12,8 @@
 #include <QScreen>
 #include <QTimer>
 
+Q_DECLARE_METATYPE(Prompt::Kind)
+
 class PromptsTest final : public QObject
 {
     Q_OBJECT
@@ -282,8 +284,6 @@ void PromptsTest::windowThatGoesUnderAnInputCancelsIt()
     whenOpen<QInputDialog>([window](QInputDialog *) { delete window; });
     QVERIFY(!prompts.password(kTitle, QStringLiteral("Password:")));
 }
-
-Q_DECLARE_METATYPE(Prompt::Kind)
 
 EVOX_TEST_MAIN(PromptsTest, QApplication)
 #include "tst_prompts.moc"
