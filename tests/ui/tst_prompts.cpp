@@ -12,6 +12,8 @@
 #include <QScreen>
 #include <QTimer>
 
+Q_DECLARE_METATYPE(Prompt::Kind)
+
 class PromptsTest final : public QObject
 {
     Q_OBJECT
@@ -295,8 +297,6 @@ void PromptsTest::boxDoesNotHideWithTheWindow()
     });
     prompts.information(kTitle, QStringLiteral("Done"));
 }
-
-Q_DECLARE_METATYPE(Prompt::Kind)
 
 EVOX_TEST_MAIN(PromptsTest, QApplication)
 #include "tst_prompts.moc"

@@ -1,13 +1,20 @@
+#include "WidgetChecks.h"
 #include "support/FakeRegistry.h"
+#include "support/Screenshots.h"
 #include "support/ScriptedPrompts.h"
 #include "support/TestMain.h"
+#include "ui/Theme.h"
 #include "ui/UpdateCheck.h"
+#include "ui/WidgetPrompts.h"
 
 #include <QApplication>
+#include <QImage>
+#include <QMessageBox>
 #include <QNetworkAccessManager>
 #include <QNetworkReply>
 #include <QSysInfo>
 #include <QTemporaryFile>
+#include <QTimer>
 
 #include <memory>
 
@@ -53,6 +60,8 @@ private slots:
     void mayGoWhileItWaits();
     void mayGoUnderItsBox_data();
     void mayGoUnderItsBox();
+    void offersInARealBox_data();
+    void offersInARealBox();
 
 private:
     void publish(const QByteArray &document) { m_site->list(QString(), document); }
@@ -361,6 +370,40 @@ void UpdateCheckTest::mayGoUnderItsBox()
     m_check->check();
     QTRY_VERIFY(!m_check);
     QVERIFY(m_opened.isEmpty());
+}
+
+void UpdateCheckTest::offersInARealBox_data()
+{
+    QTest::addColumn<bool>("dark");
+    QTest::newRow("light") << false;
+    QTest::newRow("dark") << true;
+}
+
+void UpdateCheckTest::offersInARealBox()
+{
+    QFETCH(bool, dark);
+    Theme::apply(*qApp, dark);
+    publish(kNewer);
+    WidgetPrompts prompts;
+    UpdateCheck check(m_site->url(), prompts, [this](const QUrl &address) { m_opened.append(address); });
+    QStringList problems{q("no box")};
+    QTimer poll; // the box runs an event loop of its own
+    connect(&poll, &QTimer::timeout, this, [&] {
+        auto *box = qobject_cast<QMessageBox *>(QApplication::activeModalWidget());
+        if (!box)
+            return;
+        poll.stop();
+        problems = WidgetChecks::cutOff(*box);
+        problems.append(WidgetChecks::tooBig(*box));
+        if (Screenshots::save(*box, q("update-offer-") + QLatin1String(QTest::currentDataTag())).isNull())
+            problems.append(q("no picture"));
+        QTest::keyClick(box, Qt::Key_Return);
+    });
+    poll.start(1);
+    check.check();
+    QTRY_VERIFY(!check.isRunning());
+    QCOMPARE(problems, QStringList{QString()});
+    QCOMPARE(m_opened.size(), 1);
 }
 
 EVOX_TEST_MAIN(UpdateCheckTest, QApplication)

@@ -10,6 +10,7 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
+#include <QScreen>
 #include <QScrollArea>
 #include <QVBoxLayout>
 #include <QVariant>
@@ -18,6 +19,7 @@ namespace {
 
 constexpr int kLeastWidth = 420;  // logical pixels of the form
 constexpr int kLeastHeight = 120; // the rest scrolls
+constexpr double kScreenShare = 0.9;
 
 QLabel *sectionHeading(const char *name, const QString &text)
 {
@@ -45,6 +47,9 @@ EditProfileDialog::EditProfileDialog(const QVariantMap &record, QWidget *parent)
     setWindowTitle(QStringLiteral("Edit Profile - ") + ReadoutDialog::textOf(record, "callsign"));
     createFields(record);
     layOut(record);
+    // Left to itself, a window begins with two thirds of the screen's height at most.
+    ensurePolished();
+    resize(sizeHint().boundedTo(screen()->availableSize() * kScreenShare));
     m_frequency->setFocus();
 }
 
