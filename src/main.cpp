@@ -2,6 +2,7 @@
 #include "app/Endpoints.h"
 #include "app/FirewallRules.h"
 #include "app/HardwareId.h"
+#include "app/LogFile.h"
 #include "app/Product.h"
 #include "ui/MainWindow.h"
 #include "ui/Theme.h"
@@ -39,6 +40,7 @@ int main(int argc, char *argv[])
     QApplication::setApplicationName(Product::name());
     QApplication::setOrganizationName(Product::organisation());
     QApplication::setApplicationVersion(Product::applicationVersion());
+    const LogFile log;
     Theme::initResources();
     QApplication::setWindowIcon(QIcon(QStringLiteral(":/icons/app_icon")));
 

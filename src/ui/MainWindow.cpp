@@ -183,6 +183,7 @@ void MainWindow::connectActions()
     connect(m_actions->checkForUpdates, &QAction::triggered, this, &MainWindow::onCheckUpdate);
     connect(m_actions->documentation, &QAction::triggered, this, &MainWindow::onDocumentation);
     connect(m_actions->tutorial, &QAction::triggered, this, &MainWindow::onTutorial);
+    connect(m_actions->openLogFolder, &QAction::triggered, this, &MainWindow::onOpenLogFolder);
     connect(m_actions, &MainActions::roomChosen, m_client, &TcpClient::joinRoom);
 }
 

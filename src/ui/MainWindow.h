@@ -61,6 +61,7 @@ public slots:
     void onCheckUpdate();
     void onDocumentation();
     void onTutorial();
+    void onOpenLogFolder();
 
 protected:
     void closeEvent(QCloseEvent *event) override;

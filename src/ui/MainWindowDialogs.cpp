@@ -2,6 +2,7 @@
 
 #include "app/Config.h"
 #include "app/Endpoints.h"
+#include "app/LogFile.h"
 #include "audio/AudioEngine.h"
 #include "audio/OpusLibrary.h"
 #include "audio/SodiumLibrary.h"
@@ -21,6 +22,7 @@
 
 #include <QDebug>
 #include <QDesktopServices>
+#include <QDir>
 #include <QPointer>
 #include <QUrl>
 
@@ -205,6 +207,12 @@ void MainWindow::onDocumentation()
 void MainWindow::onTutorial()
 {
     openWebPage(QStringLiteral("/tutorial/"));
+}
+
+void MainWindow::onOpenLogFolder()
+{
+    QDir().mkpath(LogFile::folder());
+    QDesktopServices::openUrl(QUrl::fromLocalFile(LogFile::folder()));
 }
 
 /// A page of the project's web site, and nothing that is not one.

@@ -16,6 +16,7 @@
 
 #include <QApplication>
 #include <QDesktopServices>
+#include <QFileInfo>
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
@@ -90,6 +91,7 @@ private slots:
     void asksForADeviceReset();
     void opensHelpPages_data();
     void opensHelpPages();
+    void opensTheLogFolder();
     void opensOnlyWebPages_data();
     void opensOnlyWebPages();
 
@@ -486,6 +488,17 @@ void WindowDialogsTest::opensHelpPages()
     rig.open();
     rig.action(action.constData())->trigger();
     QCOMPARE(browser.opened, QList<QUrl>{QUrl(url)});
+}
+
+void WindowDialogsTest::opensTheLogFolder()
+{
+    const Browser browser;
+    WindowRig rig(offline());
+    rig.open();
+    rig.action("openLogFolder")->trigger();
+    const QString folder = QFileInfo(Config::filePath()).path() + q("/logs");
+    QCOMPARE(browser.opened, QList<QUrl>{QUrl::fromLocalFile(folder)});
+    QVERIFY(QFileInfo(folder).isDir());
 }
 
 void WindowDialogsTest::opensOnlyWebPages_data()

@@ -5,6 +5,26 @@
 #include <QSignalBlocker>
 #include <QToolTip>
 
+#include <algorithm>
+
+namespace {
+
+/// A pasted line end would end the command as well.
+void dropControlCharacters(QLineEdit &edit)
+{
+    QString text = edit.text();
+    const auto isControl = [](QChar c) { return c.category() == QChar::Other_Control; };
+    const auto end = std::remove_if(text.begin(), text.end(), isControl);
+    if (end == text.end())
+        return;
+    text.truncate(static_cast<int>(std::distance(text.begin(), end)));
+    const int cursor = edit.cursorPosition();
+    edit.setText(text);
+    edit.setCursorPosition(cursor);
+}
+
+} // namespace
+
 QString InputRules::makeCallsign(QLineEdit &edit)
 {
     const QString callsign = edit.text().trimmed().toUpper();
@@ -19,14 +39,14 @@ QString InputRules::makeCallsign(QLineEdit &edit)
 
 QString InputRules::quoteRefusal()
 {
-    return QStringLiteral("Tanda kutip (\") dan ganti baris tidak dapat digunakan di sini.");
+    return QStringLiteral("Tanda kutip (\") tidak dapat digunakan di sini.");
 }
 
 void InputRules::refuseQuotes(QLineEdit &edit)
 {
-    // What is pasted may bring its line end along.
-    static const QRegularExpression oneLine(QStringLiteral("[^\"\\x00-\\x1f\\x7f]*"));
-    edit.setValidator(new QRegularExpressionValidator(oneLine, &edit));
+    static const QRegularExpression noQuotes(QStringLiteral("[^\"]*"));
+    edit.setValidator(new QRegularExpressionValidator(noQuotes, &edit));
+    QObject::connect(&edit, &QLineEdit::textChanged, &edit, [&edit] { dropControlCharacters(edit); });
     QObject::connect(&edit, &QLineEdit::inputRejected, &edit, [&edit] {
         // Also told when the field is full, which needs no explanation.
         if (edit.text().size() < edit.maxLength())

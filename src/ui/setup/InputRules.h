@@ -17,8 +17,8 @@ constexpr int kHighestPort = 65535;
 /// new text.
 QString makeCallsign(QLineEdit &edit);
 
-/// Texts travel to the server in one line, between double quotes, which cannot be escaped: the field takes neither
-/// those nor control characters, and says so.
+/// Texts travel to the server in one line, between double quotes, which cannot be escaped: the field takes none, and
+/// says so when one is typed. Control characters, such as a pasted line end, it drops.
 void refuseQuotes(QLineEdit &edit);
 /// What is left of a text from elsewhere for such a field.
 [[nodiscard]] QString withoutQuotes(QString text);
