@@ -3,9 +3,11 @@
 #include "net/TcpClient.h"
 #include "net/protocol/Commands.h"
 #include "ui/Prompts.h"
+#include "ui/admin/AllUsersTab.h"
 #include "ui/admin/AudioQualityTab.h"
 #include "ui/admin/HwidRequestsTab.h"
 #include "ui/admin/OnlineUsersTab.h"
+#include "ui/admin/PendingTab.h"
 #include "ui/admin/RoomsTab.h"
 
 #include <QHBoxLayout>
@@ -31,7 +33,9 @@ AdminPanel::AdminPanel(TcpClient *client, Prompts &prompts, QWidget *parent)
     , m_tabs(new QTabWidget(this))
     , m_onlineUsers(new OnlineUsersTab(this))
     , m_rooms(new RoomsTab(prompts, this))
+    , m_allUsers(new AllUsersTab(prompts, this))
     , m_audioQuality(new AudioQualityTab(prompts, this))
+    , m_pending(new PendingTab(prompts, this))
     , m_hwidRequests(new HwidRequestsTab(prompts, this))
     , m_notice(new QLabel(QStringLiteral("Not connected to the server"), this))
 {
@@ -56,7 +60,9 @@ void AdminPanel::layOut()
     m_tabs->setObjectName(QStringLiteral("adminTabs"));
     m_tabs->addTab(m_onlineUsers, QStringLiteral("Online Users"));
     m_tabs->addTab(m_rooms, QStringLiteral("Rooms"));
+    m_tabs->addTab(m_allUsers, QStringLiteral("All Users"));
     m_tabs->addTab(m_audioQuality, QStringLiteral("Audio Quality"));
+    m_tabs->addTab(m_pending, QStringLiteral("Pending Approval"));
     m_tabs->addTab(m_hwidRequests, QString());
     showRequestCount(m_hwidRequests->count());
     m_notice->setObjectName(QStringLiteral("adminConnectionNotice"));
@@ -87,8 +93,15 @@ void AdminPanel::connectTabs()
 {
     connect(m_rooms, &RoomsTab::commandRequested, this, &AdminPanel::send);
     connect(m_rooms, &RoomsTab::refreshRequested, m_refresh, QOverload<>::of(&QTimer::start));
+    connect(m_allUsers, &AllUsersTab::commandRequested, this, &AdminPanel::send);
+    connect(m_allUsers, &AllUsersTab::approveRequested, this, &AdminPanel::approve);
+    connect(m_allUsers, &AllUsersTab::revokeRequested, this, &AdminPanel::revoke);
+    connect(m_allUsers, &AllUsersTab::refreshRequested, m_refresh, QOverload<>::of(&QTimer::start));
+    connect(m_pending, &PendingTab::approveRequested, this, &AdminPanel::approve);
+    connect(m_pending, &PendingTab::refreshRequested, m_refresh, QOverload<>::of(&QTimer::start));
     connect(m_audioQuality, &AudioQualityTab::commandRequested, this, &AdminPanel::send);
     connect(m_hwidRequests, &HwidRequestsTab::commandRequested, this, &AdminPanel::send);
+    m_hwidRequests->setIdLookup([this](const QString &callsign) { return m_allUsers->idOf(callsign); });
     connect(m_hwidRequests, &HwidRequestsTab::countChanged, this, &AdminPanel::showRequestCount);
     connect(m_hwidRequests, &HwidRequestsTab::requestSettled, this, &AdminPanel::hwidRequestSettled);
 }
@@ -102,6 +115,9 @@ void AdminPanel::connectClient()
     connect(client, &TcpClient::onlineUsersReceived, m_onlineUsers, &OnlineUsersTab::showUsers);
     connect(client, &TcpClient::roomListReceived, m_onlineUsers, &OnlineUsersTab::showRooms);
     connect(client, &TcpClient::roomListReceived, m_rooms, &RoomsTab::showRooms);
+    connect(client, &TcpClient::allUsersReceived, m_allUsers, &AllUsersTab::showUsers);
+    connect(client, &TcpClient::registerResult, m_allUsers, &AllUsersTab::onRegisterResult);
+    connect(client, &TcpClient::pendingUsersReceived, m_pending, &PendingTab::showUsers);
     connect(client, &TcpClient::audioQualityReceived, m_audioQuality, &AudioQualityTab::showQuality);
     connect(client, &TcpClient::hwidReset, m_hwidRequests, &HwidRequestsTab::settleRequestsOf);
     connect(client, &TcpClient::hwidReset, m_refresh, QOverload<>::of(&QTimer::start));
@@ -131,18 +147,39 @@ void AdminPanel::onRefreshAll()
 
 void AdminPanel::approve(int userId)
 {
-    if (userId < 1 || !m_client)
-        return;
-    m_client->approveUser(userId);
-    m_refresh->start();
+    if (userId >= 1 && m_client)
+        m_client->approveUser(userId);
 }
 
 void AdminPanel::revoke(int userId)
 {
-    if (userId < 1 || !m_client)
-        return;
-    m_client->unapproveUser(userId);
-    m_refresh->start();
+    if (userId >= 1 && m_client)
+        m_client->unapproveUser(userId);
+}
+
+void AdminPanel::onApproveUser()
+{
+    m_allUsers->onApproveUser();
+}
+
+void AdminPanel::onRevokeUser()
+{
+    m_allUsers->onRevokeUser();
+}
+
+void AdminPanel::onResetHwid()
+{
+    m_allUsers->onResetHwid();
+}
+
+void AdminPanel::onEditUser()
+{
+    m_allUsers->onEditUser();
+}
+
+void AdminPanel::onDeleteUser()
+{
+    m_allUsers->onDeleteUser();
 }
 
 void AdminPanel::onApplyAudioQuality()
@@ -163,6 +200,11 @@ void AdminPanel::onDeleteRoom()
 void AdminPanel::onEditRoom()
 {
     m_rooms->onEditRoom();
+}
+
+void AdminPanel::onFilterAllUsers()
+{
+    m_allUsers->onFilterAllUsers();
 }
 
 void AdminPanel::addHwidRequest(const QString &details, const QDateTime &when)

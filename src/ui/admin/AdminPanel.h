@@ -4,9 +4,11 @@
 #include <QDialog>
 #include <QPointer>
 
+class AllUsersTab;
 class AudioQualityTab;
 class HwidRequestsTab;
 class OnlineUsersTab;
+class PendingTab;
 class Prompts;
 class QLabel;
 class QTabWidget;
@@ -27,10 +29,16 @@ public:
 
 public slots:
     void onRefreshAll();
+    void onApproveUser();
+    void onRevokeUser();
+    void onResetHwid();
+    void onEditUser();
+    void onDeleteUser();
     void onApplyAudioQuality();
     void onAddRoom();
     void onDeleteRoom();
     void onEditRoom();
+    void onFilterAllUsers();
     /// A device-reset request, @p details as TcpClient::adminNotification() tells them. Those that come while the panel
     /// exists it lists itself.
     void addHwidRequest(const QString &details, const QDateTime &when);
@@ -55,7 +63,9 @@ private:
     QTabWidget *m_tabs;
     OnlineUsersTab *m_onlineUsers;
     RoomsTab *m_rooms;
+    AllUsersTab *m_allUsers;
     AudioQualityTab *m_audioQuality;
+    PendingTab *m_pending;
     HwidRequestsTab *m_hwidRequests;
     QLabel *m_notice;
 };

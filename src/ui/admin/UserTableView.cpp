@@ -1,0 +1,147 @@
+#include "ui/admin/UserTableView.h"
+
+#include "ui/admin/EmptyState.h"
+#include "ui/admin/UserActionsDelegate.h"
+
+#include <QHeaderView>
+#include <QScrollBar>
+
+#include <algorithm>
+
+namespace {
+
+using Column = UserTableModel::Column;
+
+constexpr int kRowPadding = 10; // logical pixels over a line of text
+
+/// What a column's texts usually need, in characters.
+int usualWidth(Column column)
+{
+    switch (column) {
+    case Column::Id: return 5;
+    case Column::Callsign: return 9;
+    case Column::Name: return 22;
+    case Column::GatewayName: return 18;
+    case Column::Status: return 10;
+    case Column::Approved: return 12;
+    case Column::Expiry: return 11;
+    case Column::Location: return 12;
+    case Column::LastLogin: return 17;
+    case Column::Device: return 13;
+    case Column::Email: return 26;
+    case Column::WhatsApp: return 16;
+    case Column::Actions: return 8;
+    }
+    return 0;
+}
+
+} // namespace
+
+UserTableView::UserTableView(const QVector<Column> &columns, const QString &emptyText, QWidget *parent)
+    : QTableView(parent)
+    , m_model(new UserTableModel(columns, this))
+    , m_filter(new UserFilterModel(m_model, this))
+{
+    setModel(m_filter);
+    setSelectionBehavior(SelectRows);
+    setSelectionMode(SingleSelection);
+    setEditTriggers(NoEditTriggers);
+    setTabKeyNavigation(false); // the key leaves the table
+    setAlternatingRowColors(true);
+    setShowGrid(false);
+    setWordWrap(false);
+    setUpHeaders(columns);
+    setSortingEnabled(true);
+    sortByColumn(0, Qt::AscendingOrder);
+    EmptyState::show(this, emptyText);
+}
+
+void UserTableView::setUpHeaders(const QVector<Column> &columns)
+{
+    verticalHeader()->hide();
+    verticalHeader()->setSectionResizeMode(QHeaderView::Fixed); // no row is measured
+    verticalHeader()->setDefaultSectionSize(fontMetrics().height() + kRowPadding);
+    horizontalHeader()->setHighlightSections(false);
+    horizontalHeader()->setDefaultAlignment(Qt::AlignLeft | Qt::AlignVCenter);
+    const int character = fontMetrics().averageCharWidth();
+    for (int i = 0; i < columns.size(); ++i) {
+        const int title = horizontalHeader()->sectionSizeHint(i);
+        setColumnWidth(i, std::max(title, usualWidth(columns.at(i)) * character));
+        if (columns.at(i) == Column::Actions) {
+            auto *actions = new UserActionsDelegate(this);
+            setItemDelegateForColumn(i, actions);
+            // Whoever is told may open a box or delete the view, which the mouse has not left yet.
+            connect(actions, &UserActionsDelegate::editClicked, this, &UserTableView::editClicked,
+                    Qt::QueuedConnection);
+            connect(actions, &UserActionsDelegate::deleteClicked, this, &UserTableView::deleteClicked,
+                    Qt::QueuedConnection);
+        }
+    }
+}
+
+int UserTableView::chosenRow() const
+{
+    // The current row alone is not enough: the first one becomes it when the keyboard reaches the table, unseen.
+    const QModelIndexList rows = selectionModel()->selectedRows();
+    return rows.isEmpty() ? -1 : rows.first().row();
+}
+
+int UserTableView::idOfRow(int row) const
+{
+    const QModelIndex source = m_filter->mapToSource(m_filter->index(row, 0));
+    return source.isValid() ? m_model->idAt(source.row()) : 0;
+}
+
+int UserTableView::chosenUserId() const
+{
+    const int row = chosenRow();
+    return row < 0 ? 0 : idOfRow(row);
+}
+
+QVariantMap UserTableView::chosenUser() const
+{
+    const int row = chosenRow();
+    return row < 0 ? QVariantMap() : m_model->users().at(m_filter->mapToSource(m_filter->index(row, 0)).row());
+}
+
+QModelIndex UserTableView::indexOf(int userId) const
+{
+    const int row = m_model->rowOf(userId);
+    return row < 0 ? QModelIndex() : m_filter->mapFromSource(m_model->index(row, 0));
+}
+
+void UserTableView::showUsers(const QList<QVariantMap> &users)
+{
+    const Place before = place();
+    m_model->setUsers(users);
+    restore(before);
+}
+
+void UserTableView::setFilter(const UserFilterModel::Filter &filter)
+{
+    const Place before = place();
+    m_filter->setFilter(filter);
+    restore(before);
+}
+
+UserTableView::Place UserTableView::place() const
+{
+    const int top = rowAt(0);
+    return {chosenUserId(), top < 0 ? 0 : idOfRow(top), verticalScrollBar()->value(), horizontalScrollBar()->value()};
+}
+
+void UserTableView::restore(const Place &place)
+{
+    executeDelayedItemsLayout(); // the scroll bars' ranges
+    const QModelIndex chosen = indexOf(place.chosenId);
+    if (chosen.isValid())
+        selectionModel()->setCurrentIndex(chosen, QItemSelectionModel::ClearAndSelect | QItemSelectionModel::Rows);
+    else // the view chooses a neighbour for a row that goes, and a command would meet somebody else
+        selectionModel()->clear();
+    const QModelIndex top = indexOf(place.topId);
+    if (top.isValid() && place.top > 0)
+        scrollTo(top, PositionAtTop);
+    else
+        verticalScrollBar()->setValue(place.top);
+    horizontalScrollBar()->setValue(place.left);
+}
