@@ -39,7 +39,7 @@ AdminPanel::AdminPanel(TcpClient *client, Prompts &prompts, QWidget *parent)
     , m_hwidRequests(new HwidRequestsTab(prompts, this))
     , m_notice(new QLabel(QStringLiteral("Not connected to the server"), this))
 {
-    setObjectName(QStringLiteral("adminPanel"));
+    setObjectName(QStringLiteral("adminPanelDialog"));
     setWindowTitle(QStringLiteral("Admin Panel"));
     setMinimumSize(kMinimumSize);
     m_refresh->setSingleShot(true);
@@ -69,7 +69,7 @@ void AdminPanel::layOut()
     m_notice->setStyleSheet(QStringLiteral("color: #F44336; font-weight: bold;"));
     auto *refresh = new QPushButton(QStringLiteral("Refresh All"), this);
     refresh->setObjectName(QStringLiteral("refreshAllButton"));
-    refresh->setShortcut(QKeySequence::Refresh);
+    refresh->setShortcut(Qt::Key_F5);
     connect(refresh, &QPushButton::clicked, this, &AdminPanel::onRefreshAll);
     auto *close = new QPushButton(QStringLiteral("Close"), this);
     close->setObjectName(QStringLiteral("closeButton"));
