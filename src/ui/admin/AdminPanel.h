@@ -1,0 +1,71 @@
+#pragma once
+
+#include <QDateTime>
+#include <QDialog>
+#include <QPointer>
+
+class AllUsersTab;
+class AudioQualityTab;
+class HwidRequestsTab;
+class OnlineUsersTab;
+class PendingTab;
+class Prompts;
+class QLabel;
+class QTabWidget;
+class QTimer;
+class RoomsTab;
+class TcpClient;
+
+/// Where an administrator manages the server: accounts, rooms, audio quality and requests. The tabs know records and
+/// command lines only; the panel carries them from and to the connection, which is not its own and may go and come.
+class AdminPanel final : public QDialog
+{
+    Q_OBJECT
+    Q_DISABLE_COPY_MOVE(AdminPanel)
+
+public:
+    /// Asks for everything at once. Without a client the panel stays empty.
+    AdminPanel(TcpClient *client, Prompts &prompts, QWidget *parent = nullptr);
+
+public slots:
+    void onRefreshAll();
+    void onApproveUser();
+    void onRevokeUser();
+    void onResetHwid();
+    void onEditUser();
+    void onDeleteUser();
+    void onApplyAudioQuality();
+    void onAddRoom();
+    void onDeleteRoom();
+    void onEditRoom();
+    void onFilterAllUsers();
+    /// A device-reset request, @p details as TcpClient::adminNotification() tells them. Those that come while the panel
+    /// exists it lists itself.
+    void addHwidRequest(const QString &details, const QDateTime &when);
+
+signals:
+    /// A device-reset request was approved or dismissed.
+    void hwidRequestSettled(const QString &details, const QDateTime &when);
+
+private:
+    void layOut();
+    void connectTabs();
+    void connectClient();
+    void send(const QString &line);
+    void approve(int userId);
+    void revoke(int userId);
+    void onAdminNotification(const QString &type, const QString &details);
+    void showRequestCount(int count);
+    void showConnection(bool connected);
+
+    QPointer<TcpClient> m_client;
+    QTimer *m_refresh;
+    QTabWidget *m_tabs;
+    OnlineUsersTab *m_onlineUsers;
+    RoomsTab *m_rooms;
+    AllUsersTab *m_allUsers;
+    AudioQualityTab *m_audioQuality;
+    PendingTab *m_pending;
+    HwidRequestsTab *m_hwidRequests;
+    QLabel *m_notice;
+};
