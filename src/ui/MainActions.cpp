@@ -79,9 +79,7 @@ void MainActions::createFileMenu(QMainWindow *window)
     disconnectFromServer =
         addItem(file, {"disconnectFromServer", "&Disconnect from Server", "Ctrl+Shift+D", "Disconnect from server"});
     settings = addItem(file, {"settings", "&Settings", "Ctrl+,", "Configure application settings"});
-    adminPanel = new QAction(QStringLiteral("&Admin Panel"), this);
-    adminPanel->setObjectName(QStringLiteral("adminPanel"));
-    adminPanel->setStatusTip(QStringLiteral("Open admin panel (admin only)"));
+    adminPanel = addItem(file, {"adminPanel", "&Admin Panel", "Ctrl+Shift+A", "Open admin panel (admin only)"});
     file->addSeparator();
     exit = addItem(file, {"exit", "E&xit", "Alt+F4", "Exit application"});
 }

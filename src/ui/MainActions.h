@@ -37,7 +37,7 @@ public:
     QAction *connectToServer = nullptr;
     QAction *disconnectFromServer = nullptr;
     QAction *settings = nullptr;
-    /// Follows the account's rights; joins the menu together with the panel that it opens.
+    /// Follows the account's rights.
     QAction *adminPanel = nullptr;
     QAction *exit = nullptr;
     QAction *darkTheme = nullptr;

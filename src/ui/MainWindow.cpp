@@ -164,6 +164,7 @@ void MainWindow::connectActions()
     connect(m_actions->disconnectFromServer, &QAction::triggered, this, &MainWindow::onDisconnectFromServer);
     connect(m_actions->exit, &QAction::triggered, this, &MainWindow::onExit);
     connect(m_actions->settings, &QAction::triggered, this, &MainWindow::onSettings);
+    connect(m_actions->adminPanel, &QAction::triggered, this, &MainWindow::showAdminPanel);
     connect(m_actions->toolbarSettings, &QAction::triggered, this, &MainWindow::onSettings);
     connect(m_actions->darkTheme, &QAction::triggered, this, &MainWindow::onToggleTheme);
     connect(m_actions->joinRoom, &QAction::triggered, this, &MainWindow::onJoinRoom);

@@ -3,12 +3,15 @@
 #include "gateway/ConnectionState.h"
 #include "net/protocol/Commands.h"
 
+#include <QDateTime>
 #include <QList>
 #include <QMainWindow>
+#include <QPointer>
 #include <QStringList>
 #include <QTimer>
 #include <QVariantMap>
 
+class AdminPanel;
 class AudioEngine;
 class ControlPanel;
 class MainActions;
@@ -52,6 +55,7 @@ public slots:
     void onToggleTheme();
     void onExit();
     void onSettings();
+    void showAdminPanel();
     void onViewProfile();
     void onEditProfile();
     void onChangePassword();
@@ -143,6 +147,7 @@ private:
     void onAdminNotification(const QString &type, const QString &message);
 
     // MainWindowDialogs.cpp: the dialogs of the menus
+    void forgetHwidRequest(const QString &details, const QDateTime &when);
     void applySettings(const Settings &settings);
     [[nodiscard]] QVariantMap ownProfile() const;
     void updateProfile(const Commands::OwnProfile &profile);
@@ -170,8 +175,16 @@ private:
     QTimer *m_keepaliveTimer = nullptr; ///< made when UDP is first ready
 
     QString m_serverAddress; ///< the host of the present control connection
-    QVariantMap m_ownProfile; ///< the own account as the server last told it; empty before
-    QString m_infoRequest;   ///< callsign whose record was asked for
+    /// A device-reset request that nobody has settled yet.
+    struct HwidRequest
+    {
+        QString details; ///< as the server told them
+        QDateTime when;
+    };
+    QList<HwidRequest> m_hwidRequests; ///< of this session, for a panel that is opened later
+    QPointer<AdminPanel> m_adminPanel; ///< while it is open
+    QVariantMap m_ownProfile;          ///< the own account as the server last told it; empty before
+    QString m_infoRequest;             ///< callsign whose record was asked for
     int m_wrongPasswords = 0;
     bool m_retryPromptOpen = false;
     bool m_udpFailed = false;

@@ -75,6 +75,7 @@ void MainActionsTest::menusInOrder_data()
     QTest::newRow("&File") << QStringList{q("&Connect to Server|Ctrl+Shift+C|Connect to eVOX SINAR server"),
                                           q("&Disconnect from Server|Ctrl+Shift+D|Disconnect from server"),
                                           q("&Settings|Ctrl+,|Configure application settings"),
+                                          q("&Admin Panel|Ctrl+Shift+A|Open admin panel (admin only)"),
                                           q("E&xit|Alt+F4|Exit application")};
     QTest::newRow("&View") << QStringList{q("&Dark Theme||Toggle between light and dark theme|check")};
     QTest::newRow("&Profile") << QStringList{q("&View Profile||View your profile information"),
