@@ -12,7 +12,7 @@
 
 namespace {
 
-constexpr int kInformativeWidth = 320; // logical pixels, of the text below a proposal
+constexpr int kInformativeWidth = 360; // logical pixels, of the text below a proposal
 constexpr int kInformativeShare = 3;   // it may take this part of the screen's height
 
 bool isInput(Prompt::Kind kind)
