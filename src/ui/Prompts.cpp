@@ -36,7 +36,7 @@ PromptReply Prompts::ask(const Prompt &prompt)
         return {};
     }
     m_open.insert(identity);
-    const PromptReply reply = show(prompt);
+    PromptReply reply = show(prompt);
     m_open.remove(identity);
     return reply;
 }

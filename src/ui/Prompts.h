@@ -33,7 +33,7 @@ struct Prompt
     int value = 0;             ///< Kind::Number
     int minimum = 0;           ///< Kind::Number
     int maximum = 0;           ///< Kind::Number
-    bool yesIsDefault = false; ///< the two question kinds
+    bool yesIsDefault = false; ///< the two question kinds and Kind::Proposal
 };
 
 /// What the operator answered.

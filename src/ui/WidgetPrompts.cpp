@@ -12,7 +12,7 @@
 
 namespace {
 
-constexpr int kInformativeWidth = 380; // logical pixels, of the text below a proposal
+constexpr int kInformativeWidth = 360; // logical pixels, of the text below a proposal
 constexpr int kInformativeShare = 3;   // it may take this part of the screen's height
 
 bool isInput(Prompt::Kind kind)
@@ -70,7 +70,8 @@ void letScroll(QMessageBox *box)
     area->setWidget(label);
     area->setWidgetResizable(true);
     const int most = box->screen()->availableGeometry().height() / kInformativeShare;
-    area->setMinimumSize(kInformativeWidth, std::min(label->heightForWidth(kInformativeWidth), most));
+    area->setMinimumWidth(kInformativeWidth);
+    area->setFixedHeight(std::min(label->heightForWidth(kInformativeWidth), most));
 }
 
 void dressProposal(QMessageBox *box, const Prompt &prompt)

@@ -4,7 +4,6 @@
 
 #include <functional>
 
-class QFormLayout;
 class QLabel;
 class QLineEdit;
 class QPushButton;
