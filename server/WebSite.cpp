@@ -24,7 +24,7 @@ HttpResponse WebSite::answer(const HttpRequest &request) const
         return {200, "image/png", m_notFoundPicture};
     if (request.path == QLatin1String("/update/"))
         return {200, "application/json; charset=utf-8", m_content.update};
-    return HttpResponse::plain(404);
+    return m_guide.find(request.path).value_or(HttpResponse::plain(404));
 }
 
 QByteArray WebSite::plainUpdate(const QString &version, const QString &buildDate)

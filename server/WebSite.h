@@ -1,14 +1,15 @@
 #pragma once
 
 #include "server/CallsignRegistry.h"
+#include "server/GuidePages.h"
 #include "server/HttpRequest.h"
 #include "server/HttpResponse.h"
 
 #include <QByteArray>
 #include <QString>
 
-/// What a client asks for by HTTP: the registry when a gateway is set up, and the update document. A value: it reads
-/// nothing after it was made.
+/// What is asked for by HTTP: the registry when a gateway is set up, the update document, and the operator's guide. A
+/// value: it reads nothing from disk after it was made.
 class WebSite final
 {
 public:
@@ -33,4 +34,5 @@ public:
 private:
     Content m_content;
     QByteArray m_notFoundPicture;
+    GuidePages m_guide;
 };

@@ -206,9 +206,8 @@ void describe(QCommandLineParser *parser)
     option("port", "TCP port of the control connections, by default 8080; 0 for any.", "port", "8080");
     option("udp-port", "UDP port of the audio, by default 8082, which clients expect; 0 for any.", "port", "8082");
     option("http-port",
-           "TCP port of the registry and update pages, by default 8088; 0 for none. Unless it is given here, the "
-           "server also runs when "
-           "the port is taken.",
+           "TCP port of the registry and update pages and of the operator's guide, by default 8088; 0 for none. Unless "
+           "it is given here, the server also runs when the port is taken.",
            "port", "8088");
     option("registry",
            "JSON file of callsigns for new gateways: an array of objects with callsign, name, address, validity, "

@@ -6,7 +6,7 @@ build_packages=(
     qtbase5-dev qtbase5-dev-tools qtmultimedia5-dev libqt5multimedia5-plugins libqt5serialport5-dev libqt5svg5-dev
     libqt5sql5-sqlite libopus0 libopus-dev libsodium-dev
     pulseaudio pulseaudio-utils xvfb xauth xdotool imagemagick fonts-dejavu-core espeak-ng
-    clang-format python3
+    clang-format cmark-gfm python3
 )
 
 # Installs what is missing, with sudo where this is not root. Fails with the list where neither is possible.

@@ -23,6 +23,12 @@ private slots:
     void routes();
     void quotedRegistry();
     void updates();
+    void guideText_data();
+    void guideText();
+    void guidePages_data();
+    void guidePages();
+    void everyLinkOfTheGuideLeadsSomewhere_data();
+    void everyLinkOfTheGuideLeadsSomewhere();
 };
 
 namespace {
@@ -192,6 +198,16 @@ void WebSiteTest::routes_data()
     row("no callsign", "/registrant/searchDataIar/", 200, html, "/images/not-found.png");
     row("picture", "/images/not-found.png", 200, "image/png", QByteArray("\x89PNG\r\n\x1a\n", 8));
     row("update", "/update/", 200, "application/json; charset=utf-8", kUpdate);
+    row("guide", "/dokumentasi/", 200, html, "<h2 id=\"menyambungkan-radio\">Menyambungkan radio</h2>");
+    row("guide in English", "/dokumentasi/en/", 200, html, "<h2 id=\"wiring-the-radio\">Wiring the radio</h2>");
+    row("tutorial", "/tutorial/", 200, html, "<h1 id=");
+    row("picture of the guide", "/dokumentasi/images/window-light.png", 200, "image/png",
+        QByteArray("\x89PNG\r\n\x1a\n", 8));
+    row("picture that there is not", "/dokumentasi/images/nothing.png", 404, text, "404 Not Found");
+    row("way out of the pictures", "/dokumentasi/images/../operating.html", 404, text, "404 Not Found");
+    row("folder of the pictures", "/dokumentasi/images/", 404, text, "404 Not Found");
+    row("guide without its slash", "/dokumentasi", 404, text, "404 Not Found");
+    row("unknown language", "/dokumentasi/fr/", 404, text, "404 Not Found");
     row("root", "/", 404, text, "404 Not Found");
     row("update without its slash", "/update", 404, text, "404 Not Found");
     row("way up", "/update/../../etc/passwd", 404, text, "404 Not Found");
@@ -229,6 +245,92 @@ void WebSiteTest::updates()
     QCOMPARE(document.size(), 3);
     QCOMPARE(WebSite::updateProblem("[]"), q("not a JSON object"));
     QCOMPARE(WebSite::updateProblem("{"), q("unterminated object"));
+}
+
+void WebSiteTest::guideText_data()
+{
+    QTest::addColumn<QString>("html");
+    QTest::addColumn<QString>("body");
+    const auto row = [](const char *name, const char *html, const char *body) {
+        QTest::newRow(name) << q(html) << q(body);
+    };
+    row("plain", "<p>text</p>", "<p>text</p>");
+    row("heading", "<h2>Arti tampilan</h2>", "<h2 id=\"arti-tampilan\">Arti tampilan</h2>");
+    row("heading with signs", "<h3>Serial/PTT &amp; <code>COS</code>?</h3>",
+        "<h3 id=\"serialptt--cos\">Serial/PTT &amp; <code>COS</code>?</h3>");
+    row("picture", "<p><img src=\"images/a.png\" alt=\"A\" /></p>\n",
+        "<p><img src=\"/dokumentasi/images/a.png\" alt=\"A\" /></p>\n");
+    row("missing picture", "<p>x</p>\n<p><img src=\"images/b.png\" alt=\"B\" /></p>\n<p>y</p>\n",
+        "<p>x</p>\n<p>y</p>\n");
+    row("link to the guide", "<a href=\"operating.md\">", "<a href=\"/dokumentasi/\">");
+    row("link to the guide in English", "<a href=\"operating.en.md\">", "<a href=\"/dokumentasi/en/\">");
+    row("link to a heading", "<a href=\"operating.md#room\">", "<a href=\"/dokumentasi/#room\">");
+    row("link to the tutorial", "<a href=\"tutorial.md\">", "<a href=\"/tutorial/\">");
+    row("link elsewhere", "<a href=\"https://example.org/tutorial.md\">",
+        "<a href=\"https://example.org/tutorial.md\">");
+    row("link in the page", "<a href=\"#room\">", "<a href=\"#room\">");
+}
+
+void WebSiteTest::guideText()
+{
+    QFETCH(QString, html);
+    QTEST(GuidePages::body(html, {q("a.png")}), "body");
+}
+
+void WebSiteTest::guidePages_data()
+{
+    QTest::addColumn<QByteArray>("path");
+    QTest::addColumn<QByteArray>("language");
+    QTest::addColumn<QByteArray>("title");
+    QTest::addColumn<bool>("hasTables");
+    QTest::newRow("guide") << QByteArray("/dokumentasi/") << QByteArray("id")
+                           << QByteArray("Panduan Operator e-VOX SINAR - e-VOX SINAR") << true;
+    QTest::newRow("guide in English") << QByteArray("/dokumentasi/en/") << QByteArray("en")
+                                      << QByteArray("e-VOX SINAR Operator's Guide - e-VOX SINAR") << true;
+    QTest::newRow("tutorial") << QByteArray("/tutorial/") << QByteArray("id")
+                              << QByteArray("Dari nol sampai QSO pertama - e-VOX SINAR") << false;
+}
+
+void WebSiteTest::guidePages()
+{
+    QFETCH(QByteArray, path);
+    QFETCH(QByteArray, language);
+    QFETCH(QByteArray, title);
+    const QByteArray page = ask(WebSite({CallsignRegistry::sample(), false, kUpdate}), path).body;
+    QVERIFY(page.startsWith("<!DOCTYPE html>\n<html lang=\"" + language + "\">"));
+    QVERIFY2(page.contains("<title>" + title + "</title>"), page.left(400).constData());
+    QVERIFY(page.contains("@media (prefers-color-scheme: dark)"));
+    QTEST(page.contains("<table>"), "hasTables");
+    for (const char *other : {"/dokumentasi/", "/dokumentasi/en/", "/tutorial/"})
+        QVERIFY2(page.contains("<a href=\"" + QByteArray(other) + "\""), other);
+    QVERIFY2(!page.contains("@BODY@") && page.trimmed().endsWith("</html>"), "the frame is filled and whole");
+    QVERIFY(!page.contains(".md\""));
+    QVERIFY(!page.contains("<script"));
+}
+
+void WebSiteTest::everyLinkOfTheGuideLeadsSomewhere_data()
+{
+    QTest::addColumn<QByteArray>("path");
+    for (const char *path : {"/dokumentasi/", "/dokumentasi/en/", "/tutorial/"})
+        QTest::newRow(path) << QByteArray(path);
+}
+
+void WebSiteTest::everyLinkOfTheGuideLeadsSomewhere()
+{
+    QFETCH(QByteArray, path);
+    const WebSite site({CallsignRegistry::sample(), false, kUpdate});
+    const QString page = QString::fromUtf8(ask(site, path).body);
+    const QRegularExpression link(q("(?:href|src)=\"([^\"#]*)(?:#([^\"]*))?\""));
+    int found = 0;
+    for (auto links = link.globalMatch(page); links.hasNext(); ++found) {
+        const QRegularExpressionMatch match = links.next();
+        const QByteArray target = match.captured(1).isEmpty() ? path : match.captured(1).toUtf8();
+        const HttpResponse response = ask(site, target);
+        QVERIFY2(response.status == 200, qPrintable(match.captured()));
+        const QByteArray heading = "id=\"" + match.captured(2).toUtf8() + "\"";
+        QVERIFY2(match.captured(2).isEmpty() || response.body.contains(heading), qPrintable(match.captured()));
+    }
+    QVERIFY(found > 3);
 }
 
 EVOX_TEST_MAIN(WebSiteTest, QCoreApplication)
