@@ -164,6 +164,9 @@ void MainWindow::onChangePassword()
                 m_client->sendCommand(Commands::changePassword(oldPassword, newPassword));
             });
     connect(m_client, &TcpClient::userPasswordChanged, dialog, &ChangePasswordDialog::onPasswordChanged);
+    connect(m_client, &TcpClient::disconnected, dialog, [dialog] {
+        dialog->onPasswordChanged(false, QStringLiteral("Tidak terhubung ke server!")); // there will be no answer
+    });
     connect(dialog, &ChangePasswordDialog::changed, this, [this, dialog](const QString &newPassword) {
         Config::instance().setPassword(newPassword);
         Config::instance().save();
