@@ -16,8 +16,8 @@ struct SecretWord
 {
     const char *word;
     Separator separator;
-    int kept;   ///< parts behind the word that are no secret
-    bool exact; ///< further parts must follow: a lone part may be the secret itself
+    int kept;      ///< parts behind the word that are no secret
+    bool mustGoOn; ///< further parts must follow: a lone part may be the secret itself
 };
 
 constexpr std::array kSecretWords{
@@ -66,7 +66,7 @@ int endOfKept(const QString &text, int start, const SecretWord &secret)
         if (at == begin || isQuoted)
             return -1;
     }
-    return secret.exact && at >= text.size() ? -1 : at;
+    return secret.mustGoOn && at >= text.size() ? -1 : at;
 }
 
 /// Cuts the line behind the first mention of the word that is followed by something.
