@@ -13,7 +13,7 @@ constexpr std::chrono::milliseconds kCheckTimeout{3000};
 constexpr std::chrono::milliseconds kAddTimeout{5000};
 constexpr std::chrono::milliseconds kKillTimeout{1000};
 
-constexpr QLatin1String kRuleName("eVOX SINAR");
+const QLatin1String kRuleName("eVOX SINAR");
 
 /// One command line of the system's shell.
 class ShellCommand final
