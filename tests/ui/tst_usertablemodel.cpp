@@ -139,7 +139,7 @@ void UserTableModelTest::texts_data()
     row("nothing about approval", {}, Column::Approved, "Not Approved");
     row("expiry", full, Column::Expiry, "2031-12-30");
     row("location", full, Column::Location, "Medan");
-    row("last login", full, Column::LastLogin, "2026-11-21 08:00:00");
+    row("last login", full, Column::LastLogin, "2026-11-21 08:00");
     row("device", full, Column::Device, "Registered");
     row("no device", with("registered_hwid", QString()), Column::Device, "Not Registered");
     row("device of null", with("registered_hwid", QVariant()), Column::Device, "Not Registered");
