@@ -108,6 +108,10 @@ void ControlServer::completeLogin(Session &session, Account account, const QStri
                              account.admin ? QStringLiteral("True") : QStringLiteral("False"),
                              QString::number(account.id), account.name, expiryWarning(account)}
                      .join(QLatin1Char('|')));
+    if (account.muted)
+        session.send(QStringLiteral("MUTED|1|oleh admin"));
+    if (account.admin)
+        sendResetRequests(session);
     sendServerInfo();
 }
 
@@ -145,6 +149,8 @@ void ControlServer::changePassword(Session &session, const Command &command)
         fail(QStringLiteral("Password lama salah"));
     } else if (command.argument(1).size() < kShortestPassword) {
         fail(QStringLiteral("Password minimal %1 karakter").arg(kShortestPassword));
+    } else if (!Passwords::fitsLogin(command.argument(1))) {
+        fail(QStringLiteral("Password tidak boleh berisi spasi"));
     } else {
         account.passwordHash = Passwords::hash(command.argument(1));
         store(account);
@@ -168,9 +174,7 @@ void ControlServer::requestDeviceReset(Session &session, const Command &command)
         store(*account);
         for (Session *other : qAsConst(m_sessions)) {
             if (other->isLoggedIn() && other->account().admin)
-                other->send(QStringLiteral("ADMIN_NOTIFICATION|HWID_RESET_REQUEST|%1|%2")
-                                .arg(account->callsign)
-                                .arg(account->id));
+                sendResetRequest(*other, *account);
         }
     }
     session.send(QStringLiteral("USER_REQUEST_HWID_RESET_OK"));

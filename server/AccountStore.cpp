@@ -10,30 +10,35 @@ namespace {
 // Each step brings the file from one version to the next; user_version counts those that were taken.
 const QList<QStringList> &migrations()
 {
-    static const QList<QStringList> steps{{
-        QStringLiteral("CREATE TABLE accounts (id INTEGER PRIMARY KEY AUTOINCREMENT, callsign TEXT NOT NULL UNIQUE, "
-                       "password_hash BLOB NOT NULL, gateway_name TEXT NOT NULL, name TEXT NOT NULL, "
-                       "responsible_callsign TEXT NOT NULL, frequency TEXT NOT NULL, location TEXT NOT NULL, "
-                       "email TEXT NOT NULL, whatsapp TEXT NOT NULL, status TEXT NOT NULL, approved INTEGER NOT NULL, "
-                       "admin INTEGER NOT NULL, expiry TEXT NOT NULL, hwid TEXT NOT NULL, "
-                       "reset_requested INTEGER NOT NULL, last_login TEXT NOT NULL)"),
-        QStringLiteral(
-            "CREATE TABLE rooms (name TEXT PRIMARY KEY, maximum INTEGER NOT NULL, position INTEGER NOT NULL)"),
-        QStringLiteral("CREATE TABLE settings (key TEXT PRIMARY KEY, value TEXT NOT NULL)"),
-    }};
+    static const QList<QStringList> steps{
+        {
+            QStringLiteral(
+                "CREATE TABLE accounts (id INTEGER PRIMARY KEY AUTOINCREMENT, callsign TEXT NOT NULL UNIQUE, "
+                "password_hash BLOB NOT NULL, gateway_name TEXT NOT NULL, name TEXT NOT NULL, "
+                "responsible_callsign TEXT NOT NULL, frequency TEXT NOT NULL, location TEXT NOT NULL, "
+                "email TEXT NOT NULL, whatsapp TEXT NOT NULL, status TEXT NOT NULL, approved INTEGER NOT NULL, "
+                "admin INTEGER NOT NULL, expiry TEXT NOT NULL, hwid TEXT NOT NULL, "
+                "reset_requested INTEGER NOT NULL, last_login TEXT NOT NULL)"),
+            QStringLiteral(
+                "CREATE TABLE rooms (name TEXT PRIMARY KEY, maximum INTEGER NOT NULL, position INTEGER NOT NULL)"),
+            QStringLiteral("CREATE TABLE settings (key TEXT PRIMARY KEY, value TEXT NOT NULL)"),
+        },
+        {
+            QStringLiteral("ALTER TABLE accounts ADD COLUMN muted INTEGER NOT NULL DEFAULT 0"),
+        }};
     return steps;
 }
 
 const QString kColumns = QStringLiteral("callsign, password_hash, gateway_name, name, responsible_callsign, frequency, "
                                         "location, email, whatsapp, status, approved, admin, expiry, hwid, "
-                                        "reset_requested, last_login");
+                                        "reset_requested, last_login, muted");
 
 void bindAll(QSqlQuery *query, const Account &a)
 {
     const QVariantList values{a.callsign,  a.passwordHash, a.gatewayName, a.name,     a.responsibleCallsign,
                               a.frequency, a.location,     a.email,       a.whatsapp, a.status,
                               a.approved,  a.admin,        a.expiry,      a.hwid,     a.resetRequested,
-                              a.lastLogin};
+                              a.lastLogin, a.muted};
     for (const QVariant &value : values) {
         // An empty text is a null text to Qt, and would be NULL in the table.
         const bool isNullText = value.userType() == QMetaType::QString && value.toString().isNull();
@@ -63,6 +68,7 @@ Account fromRow(const QSqlQuery &query)
     a.hwid = next().toString();
     a.resetRequested = next().toBool();
     a.lastLogin = next().toString();
+    a.muted = next().toBool();
     return a;
 }
 
@@ -160,7 +166,7 @@ QList<Account> AccountStore::accounts() const
 bool AccountStore::add(Account *account)
 {
     QSqlQuery query =
-        prepared(QStringLiteral("INSERT INTO accounts (%1) VALUES (?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?)").arg(kColumns));
+        prepared(QStringLiteral("INSERT INTO accounts (%1) VALUES (?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?)").arg(kColumns));
     bindAll(&query, *account);
     if (!query.exec())
         return false;

@@ -30,7 +30,8 @@ struct Account
     QString expiry; ///< of the radio permit, yyyy-MM-dd; empty: none
     QString hwid;   ///< the device the account is bound to; empty: not yet
     bool resetRequested = false;
-    QString lastLogin; ///< ISO 8601, UTC
+    bool muted = false; ///< may not transmit until an administrator lifts it
+    QString lastLogin;  ///< ISO 8601, UTC
 };
 
 /// One room as it is stored.

@@ -7,6 +7,7 @@
 #include "server/Session.h"
 #include "server/UserRecords.h"
 
+#include <QDate>
 #include <QJsonArray>
 #include <QJsonDocument>
 
@@ -19,11 +20,59 @@ const QString kNotOnline = QStringLiteral("ERROR|User tidak online");
 const QString kUnknownRoom = QStringLiteral("ERROR|Room tidak ditemukan");
 constexpr int kMostMembers = 10000;
 
+constexpr int kOwnFormArguments = 11;
+constexpr int kAdminFormArguments = 12;
+
 bool isStatus(const QString &status)
 {
     return QStringList{QStringLiteral("active"), QStringLiteral("pending"), QStringLiteral("suspended"),
                        QStringLiteral("banned")}
         .contains(status);
+}
+
+bool isLoginStatus(const QString &status)
+{
+    return status == QLatin1String("active") || status == QLatin1String("pending");
+}
+
+/// Somebody who was turned out does not wait for an approval.
+bool isWaiting(const Account &account)
+{
+    return !account.approved && isLoginStatus(account.status);
+}
+
+bool isDate(const QString &text)
+{
+    return text.isEmpty() || (text.size() == 10 && QDate::fromString(text, Qt::ISODate).isValid());
+}
+
+/// Status and rights are told as well, and are not taken from it.
+void takeOwnForm(const Command &command, Account *account)
+{
+    const auto text = [&command](int index) { return cleanText(command.argument(index)); };
+    account->name = text(1);
+    account->responsibleCallsign = text(2).toUpper();
+    account->gatewayName = text(6);
+    account->frequency = text(7);
+    account->location = text(8);
+    account->email = text(9);
+    account->whatsapp = text(10);
+}
+
+void takeAdminForm(const Command &command, Account *account)
+{
+    const auto text = [&command](int index) { return cleanText(command.argument(index)); };
+    account->name = text(1);
+    account->responsibleCallsign = text(2).toUpper();
+    account->status = command.argument(3);
+    account->gatewayName = text(4);
+    account->frequency = text(5);
+    account->location = text(6);
+    account->email = text(7);
+    account->whatsapp = text(8);
+    account->approved = command.number(9) == 1;
+    account->admin = command.number(10) == 1;
+    account->expiry = command.argument(11);
 }
 
 QString byAdmin(const Session &admin)
@@ -45,7 +94,7 @@ void ControlServer::store(const Account &account)
     Room *room = session->room();
     if (!room)
         return;
-    if (room->talker == session && !account.approved)
+    if (room->talker == session && (!account.approved || account.muted))
         releaseTalk(*room);
     sendUserList(*room);
 }
@@ -65,7 +114,7 @@ void ControlServer::pendingUsers(Session &session, const Command &command)
     Q_UNUSED(command)
     QJsonArray users;
     for (const Account &account : m_store->accounts()) {
-        if (!account.approved)
+        if (isWaiting(account))
             users.append(userRecord(account, sessionOf(account.id) != nullptr));
     }
     session.send(QStringLiteral("ADMIN_PENDING|") +
@@ -120,6 +169,15 @@ void ControlServer::kick(Session &session, const Command &command)
     removeFromRoom(*target, QStringLiteral("KICKED|Dikeluarkan ") + byAdmin(session));
 }
 
+/// So that a club cannot lose its last administrator by a slip.
+bool ControlServer::isOwnAccount(Session &session, const Account &account)
+{
+    if (account.id != session.account().id)
+        return false;
+    session.send(QStringLiteral("ERROR|Tidak dapat dilakukan pada akun sendiri"));
+    return true;
+}
+
 void ControlServer::ban(Session &session, const Command &command)
 {
     auto account = m_store->account(command.number(0));
@@ -127,6 +185,8 @@ void ControlServer::ban(Session &session, const Command &command)
         session.send(kUnknownUser);
         return;
     }
+    if (isOwnAccount(session, *account))
+        return;
     account->status = QStringLiteral("banned");
     account->approved = false;
     store(*account);
@@ -136,22 +196,19 @@ void ControlServer::ban(Session &session, const Command &command)
         removeFromRoom(*target, QStringLiteral("BANNED|Dibanned ") + byAdmin(session));
 }
 
+/// Kept with the account: whoever is muted is so after his next login as well.
 void ControlServer::mute(Session &session, const Command &command)
 {
-    Session *target = sessionOf(command.number(0));
-    if (!target) {
-        session.send(kNotOnline);
+    auto account = m_store->account(command.number(0));
+    if (!account) {
+        session.send(kUnknownUser);
         return;
     }
-    const bool muted = command.number(1) == 1;
-    target->setMuted(muted);
-    audit(session, (muted ? QStringLiteral("muted ") : QStringLiteral("unmuted ")) + target->account().callsign);
-    target->send(QStringLiteral("MUTED|%1|%2").arg(QString::number(muted ? 1 : 0), byAdmin(session)));
-    if (Room *room = target->room()) {
-        if (muted && room->talker == target)
-            releaseTalk(*room);
-        sendUserList(*room);
-    }
+    account->muted = command.number(1) == 1;
+    audit(session, (account->muted ? QStringLiteral("muted ") : QStringLiteral("unmuted ")) + account->callsign);
+    if (Session *target = sessionOf(account->id))
+        target->send(QStringLiteral("MUTED|%1|%2").arg(QString::number(account->muted ? 1 : 0), byAdmin(session)));
+    store(*account);
 }
 
 void ControlServer::move(Session &session, const Command &command)
@@ -179,39 +236,42 @@ void ControlServer::move(Session &session, const Command &command)
     enter(*target, *room);
 }
 
-/// Two forms: with 8 texts an account's own record, with 12 fields an administrator's edit of any.
+/// Two forms: with 11 arguments an account's own record, with 12 an administrator's edit of any.
 void ControlServer::updateUser(Session &session, const Command &command)
 {
     auto account = m_store->account(command.number(0));
-    const bool ownForm = command.count() <= 11;
-    if (!account || (!session.account().admin && (account->id != session.account().id || !ownForm))) {
-        session.send(account ? QStringLiteral("ERROR|Hanya untuk administrator") : kUnknownUser);
-        return;
-    }
-    const auto text = [&command](int index) { return cleanText(command.argument(index)); };
-    account->name = text(1);
-    account->responsibleCallsign = text(2).toUpper();
-    if (ownForm) { // its status and rights are told as well, and are not taken from it
-        account->gatewayName = text(6);
-        account->frequency = text(7);
-        account->location = text(8);
-        account->email = text(9);
-        account->whatsapp = text(10);
+    const bool ownForm = command.count() == kOwnFormArguments;
+    if (!account) {
+        session.send(kUnknownUser);
+    } else if (!session.account().admin && (account->id != session.account().id || !ownForm)) {
+        session.send(QStringLiteral("ERROR|Hanya untuk administrator"));
+    } else if (ownForm) {
+        takeOwnForm(command, &*account);
+        finishUpdate(session, *account);
+    } else if (command.count() != kAdminFormArguments || !isStatus(command.argument(3)) ||
+               !isDate(command.argument(11))) {
+        session.send(QStringLiteral("ERROR|Data user tidak valid"));
     } else {
-        if (isStatus(command.argument(3)))
-            account->status = command.argument(3);
-        account->gatewayName = text(4);
-        account->frequency = text(5);
-        account->location = text(6);
-        account->email = text(7);
-        account->whatsapp = text(8);
-        account->approved = command.number(9) == 1;
-        account->admin = command.number(10) == 1;
-        account->expiry = text(11);
+        takeAdminForm(command, &*account);
+        const bool staysAdmin = account->admin && isLoginStatus(account->status);
+        if (staysAdmin || !isOwnAccount(session, *account))
+            finishUpdate(session, *account);
     }
-    store(*account);
-    audit(session, QStringLiteral("edited ") + account->callsign);
+}
+
+void ControlServer::finishUpdate(Session &session, const Account &account)
+{
+    store(account);
+    audit(session, QStringLiteral("edited ") + account.callsign);
     session.send(QStringLiteral("ADMIN_UPDATE_USER_OK"));
+    if (Session *target = isLoginStatus(account.status) ? nullptr : sessionOf(account.id)) {
+        const bool banned = account.status == QLatin1String("banned");
+        removeFromRoom(*target,
+                       (banned ? QStringLiteral("BANNED|Dibanned ") : QStringLiteral("KICKED|Akun disuspend ")) +
+                           byAdmin(session));
+    } else {
+        sendServerInfo(); // gateways and administrators may be more or fewer now
+    }
 }
 
 void ControlServer::resetDevice(Session &session, const Command &command)
@@ -228,14 +288,35 @@ void ControlServer::resetDevice(Session &session, const Command &command)
     session.send(QStringLiteral("ADMIN_RESET_HWID_OK|") + account->callsign);
 }
 
+void ControlServer::sendResetRequest(Session &admin, const Account &account)
+{
+    admin.send(QStringLiteral("ADMIN_NOTIFICATION|HWID_RESET_REQUEST|%1|%2")
+                   .arg(account.callsign, QString::number(account.id)));
+}
+
+/// Those that came while no administrator was there.
+void ControlServer::sendResetRequests(Session &admin)
+{
+    for (const Account &account : m_store->accounts()) {
+        if (account.resetRequested)
+            sendResetRequest(admin, account);
+    }
+}
+
 void ControlServer::resetPassword(Session &session, const Command &command)
 {
     auto account = m_store->account(command.number(0));
-    if (!account || command.argument(1).isEmpty()) {
+    const QString password = command.argument(1);
+    if (!account || password.isEmpty()) {
         session.send(account ? QStringLiteral("ERROR|Password tidak boleh kosong") : kUnknownUser);
         return;
     }
-    account->passwordHash = Passwords::hash(command.argument(1));
+    const QByteArray hash = Passwords::fitsLogin(password) ? Passwords::hash(password) : QByteArray();
+    if (hash.isEmpty()) {
+        session.send(QStringLiteral("ERROR|Password tidak boleh berisi spasi"));
+        return;
+    }
+    account->passwordHash = hash;
     store(*account);
     audit(session, QStringLiteral("reset the password of ") + account->callsign);
     session.send(QStringLiteral("ADMIN_RESET_PASSWORD_OK|") + account->callsign);
@@ -244,6 +325,8 @@ void ControlServer::resetPassword(Session &session, const Command &command)
 void ControlServer::deleteUser(Session &session, const Command &command)
 {
     const auto account = m_store->account(command.number(0));
+    if (account && isOwnAccount(session, *account))
+        return;
     if (!account || !m_store->remove(account->id)) {
         session.send(kUnknownUser);
         return;
@@ -275,7 +358,8 @@ void ControlServer::createRoom(Session &session, const Command &command)
     const QString name = cleanText(command.argument(0));
     const int maximum = std::clamp(command.number(1), 0, kMostMembers);
     if (name.isEmpty() || !m_store->addRoom({name, maximum})) {
-        session.send(QStringLiteral("ERROR|Room sudah ada"));
+        session.send(name.isEmpty() ? QStringLiteral("ERROR|Nama room tidak boleh kosong")
+                                    : QStringLiteral("ERROR|Room sudah ada"));
         return;
     }
     loadRooms();
@@ -333,7 +417,11 @@ void ControlServer::deleteRoom(Session &session, const Command &command)
 
 void ControlServer::setRoomOrder(Session &session, const Command &command)
 {
-    if (!m_store->setRoomOrder(command.rest(0).split(QLatin1Char('|')))) {
+    QStringList order = command.rest(0).split(QLatin1Char('|'));
+    order.removeDuplicates();
+    order.erase(std::remove_if(order.begin(), order.end(), [this](const QString &name) { return !findRoom(name); }),
+                order.end());
+    if (order.isEmpty() || !m_store->setRoomOrder(order)) {
         session.send(QStringLiteral("ERROR|Urutan room tidak dapat disimpan"));
         return;
     }

@@ -116,6 +116,7 @@ private:
     void mute(Session &session, const Command &command);
     void move(Session &session, const Command &command);
     void updateUser(Session &session, const Command &command);
+    void finishUpdate(Session &session, const Account &account);
     void resetDevice(Session &session, const Command &command);
     void resetPassword(Session &session, const Command &command);
     void deleteUser(Session &session, const Command &command);
@@ -125,6 +126,9 @@ private:
     void deleteRoom(Session &session, const Command &command);
     void setRoomOrder(Session &session, const Command &command);
     void removeFromRoom(Session &target, const QString &line);
+    void sendResetRequest(Session &admin, const Account &account);
+    void sendResetRequests(Session &admin);
+    [[nodiscard]] bool isOwnAccount(Session &session, const Account &account);
     void store(const Account &account);
 
     AccountStore *m_store;

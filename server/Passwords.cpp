@@ -1,5 +1,6 @@
 #include "server/Passwords.h"
 
+#include <algorithm>
 #include <sodium.h>
 
 namespace Passwords {
@@ -31,6 +32,13 @@ QByteArray randomBytes(int count)
     QByteArray bytes(count, Qt::Uninitialized);
     randombytes_buf(bytes.data(), static_cast<size_t>(count));
     return bytes;
+}
+
+bool fitsLogin(const QString &password)
+{
+    return std::none_of(password.cbegin(), password.cend(), [](QChar character) {
+        return character.isSpace() || character.category() == QChar::Other_Control;
+    });
 }
 
 } // namespace Passwords

@@ -1,6 +1,7 @@
 #include "server/Registration.h"
 
 #include "server/Command.h"
+#include "server/Passwords.h"
 
 #include <QRegularExpression>
 #include <QStringList>
@@ -64,14 +65,6 @@ QString presenceAndLength(const QStringList &fields)
     return {};
 }
 
-/// Passwords travel unquoted when somebody logs in, so that one with a blank could never be used.
-bool fitsLogin(const QString &password)
-{
-    return std::none_of(password.cbegin(), password.cend(), [](QChar character) {
-        return character.isSpace() || character.category() == QChar::Other_Control;
-    });
-}
-
 QString expiryRefusal(const QString &text, const QDate &today)
 {
     const QDate date = matches(text, "[0-9]{4}-[0-9]{2}-[0-9]{2}") ? QDate::fromString(text, Qt::ISODate) : QDate();
@@ -86,7 +79,7 @@ QString refusalOf(const Account &account, const QString &password, const QDate &
         return QStringLiteral("Format callsign harus YH[0-9][A-Z]{2,4}");
     if (!account.responsibleCallsign.isEmpty() && !matches(account.responsibleCallsign, "Y[B-H][0-9][A-Z]{2,4}"))
         return QStringLiteral("Format callsign penanggung jawab tidak valid");
-    if (!fitsLogin(password))
+    if (!Passwords::fitsLogin(password))
         return QStringLiteral("Password tidak boleh berisi spasi");
     if (!account.email.isEmpty() && !matches(account.email, "[^@\\s]+@[^@\\s]+"))
         return QStringLiteral("Format email tidak valid");

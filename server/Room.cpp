@@ -26,7 +26,7 @@ QString Room::userList() const
         names.append(account.gatewayName.isEmpty() ? account.name : account.gatewayName);
         transmitting.append(member == talker ? QStringLiteral("TX") : QStringLiteral("RX"));
         approved.append(flag(account.approved));
-        muted.append(flag(member->isMuted()));
+        muted.append(flag(account.muted));
     }
     const auto joined = [](const QStringList &list) { return list.join(QLatin1Char(',')); };
     return QStringList{QStringLiteral("USER_LIST"),

@@ -114,7 +114,7 @@ void ControlServer::startTransmission(Session &session, const Command &command)
         fail(QStringLiteral("Anda tidak berada di room ini"));
     } else if (!session.account().approved) {
         fail(QStringLiteral("Akun belum disetujui"));
-    } else if (session.isMuted()) {
+    } else if (session.account().muted) {
         fail(QStringLiteral("Anda di-mute oleh admin"));
     } else if (room->talker && room->talker != &session) {
         fail(QStringLiteral("Kanal sedang dipakai oleh ") + room->talker->account().callsign);

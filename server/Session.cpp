@@ -8,7 +8,9 @@
 
 namespace {
 
-constexpr qint64 kUnsentLimit = 4LL * 1024 * 1024; // bytes; a client that does not read is dropped
+// A client that does not read is dropped. Lists of all accounts go to administrators only, and may be long.
+constexpr qint64 kUnsentLimit = 4LL * 1024 * 1024;       // bytes
+constexpr qint64 kUnsentLimitAdmin = 64LL * 1024 * 1024; // bytes
 
 } // namespace
 
@@ -33,12 +35,11 @@ void Session::logIn(const Account &account, const QString &hwid)
 {
     m_account = account;
     m_hwid = hwid;
-    m_muted = false;
 }
 
 void Session::send(const QString &line)
 {
-    if (m_socket->bytesToWrite() > kUnsentLimit) {
+    if (m_socket->bytesToWrite() > (m_account.admin ? kUnsentLimitAdmin : kUnsentLimit)) {
         m_socket->abort();
         return;
     }

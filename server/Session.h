@@ -29,14 +29,12 @@ public:
     [[nodiscard]] bool isLoggedIn() const { return m_account.id > 0; }
     [[nodiscard]] const Account &account() const { return m_account; }
     [[nodiscard]] QString hwid() const { return m_hwid; }
-    [[nodiscard]] bool isMuted() const { return m_muted; }
     [[nodiscard]] Room *room() const { return m_room; }
 
     void logIn(const Account &account, const QString &hwid);
     void logOut() { m_account = {}; }
     /// The stored account changed.
     void setAccount(const Account &account) { m_account = account; }
-    void setMuted(bool muted) { m_muted = muted; }
     void setRoom(Room *room) { m_room = room; }
     /// One line, with its line end added.
     void send(const QString &line);
@@ -55,7 +53,6 @@ private:
     QByteArray m_buffer;
     Account m_account;
     QString m_hwid;
-    bool m_muted = false;
     Room *m_room = nullptr;
     QElapsedTimer m_clock;
     double m_credit = kBurst; ///< lines that may still come at once

@@ -3,6 +3,8 @@
 #include "support/TestMain.h"
 
 #include <QFile>
+#include <QSqlDatabase>
+#include <QSqlQuery>
 #include <QTemporaryDir>
 
 class AccountStoreTest final : public QObject
@@ -11,6 +13,7 @@ class AccountStoreTest final : public QObject
 
 private slots:
     void keepsAccounts();
+    void bringsAnOlderFileUpToDate();
     void keepsRoomsInOrder();
     void keepsSettings();
     void refusesWhatIsNoDatabase();
@@ -61,6 +64,41 @@ void AccountStoreTest::keepsAccounts()
     QVERIFY(store.remove(account.id));
     QVERIFY(!store.remove(account.id));
     QVERIFY(store.accounts().isEmpty());
+}
+
+void AccountStoreTest::bringsAnOlderFileUpToDate()
+{
+    const QTemporaryDir folder;
+    const QString path = folder.filePath(q("club.sqlite"));
+    QString error;
+    Account account;
+    account.callsign = q("YB1A");
+    account.passwordHash = "hash";
+    {
+        AccountStore store;
+        QVERIFY2(store.open(path, &error), qPrintable(error));
+        QVERIFY(store.add(&account));
+    }
+    {
+        QSqlDatabase raw = QSqlDatabase::addDatabase(q("QSQLITE"), q("raw"));
+        raw.setDatabaseName(path);
+        QVERIFY(raw.open());
+        QSqlQuery query(raw);
+        QVERIFY(query.exec(q("ALTER TABLE accounts DROP COLUMN muted")));
+        QVERIFY(query.exec(q("PRAGMA user_version = 1")));
+    }
+    QSqlDatabase::removeDatabase(q("raw"));
+    {
+        AccountStore store;
+        QVERIFY2(store.open(path, &error), qPrintable(error));
+        auto read = store.account(q("YB1A"));
+        QVERIFY(read && !read->muted);
+        read->muted = true;
+        QVERIFY(store.update(*read));
+    }
+    AccountStore store;
+    QVERIFY2(store.open(path, &error), qPrintable(error));
+    QVERIFY(store.account(q("YB1A"))->muted);
 }
 
 void AccountStoreTest::keepsRoomsInOrder()

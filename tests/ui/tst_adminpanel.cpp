@@ -179,6 +179,7 @@ void AdminPanelTest::refreshesWithoutTheQuality()
     find<QPushButton>("refreshAllButton")->click();
     QCOMPARE(sent(), kRefresh);
     QTest::keyClick(m_panel.get(), Qt::Key_F5);
+    QVERIFY(m_server->waitForLine(q("ADMIN_PENDING"))); // a key lets the button be seen pressed first
     QCOMPARE(sent(), kRefresh);
 }
 

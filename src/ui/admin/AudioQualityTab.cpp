@@ -38,7 +38,9 @@ AudioQualityTab::AudioQualityTab(Prompts &prompts, QWidget *parent)
     setObjectName(QStringLiteral("audioQualityTab"));
     auto *header = new QLabel(QStringLiteral("Server Audio Quality Settings"), this);
     header->setObjectName(QStringLiteral("audioQualityHeader"));
-    header->setStyleSheet(QStringLiteral("font-size: 14px; font-weight: bold;"));
+    QFont bold = header->font();
+    bold.setBold(true);
+    header->setFont(bold);
     auto *group = new QGroupBox(QStringLiteral("Quality Preset"), this);
     group->setObjectName(QStringLiteral("audioQualityGroup"));
     auto *options = new QVBoxLayout(group);

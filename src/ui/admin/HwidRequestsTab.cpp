@@ -13,6 +13,7 @@ namespace {
 
 constexpr int kDetailsRole = Qt::UserRole;
 constexpr int kTimeRole = Qt::UserRole + 1;
+constexpr int kItemSpacing = 2; // logical pixels
 
 QString callsignOf(const QString &details)
 {
@@ -41,6 +42,7 @@ HwidRequestsTab::HwidRequestsTab(Prompts &prompts, QWidget *parent)
     explanation->setStyleSheet(QStringLiteral("font-size: 11px;"));
     m_list->setObjectName(QStringLiteral("hwidRequestsList"));
     m_list->setAccessibleName(QStringLiteral("HWID Requests"));
+    m_list->setSpacing(kItemSpacing);
     auto *layout = new QVBoxLayout(this);
     layout->addWidget(explanation);
     layout->addWidget(m_list);

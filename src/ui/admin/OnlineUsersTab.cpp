@@ -79,6 +79,8 @@ void OnlineUsersTab::createTable()
     m_table->setTabKeyNavigation(false); // Tab goes on to the next control
     m_table->setAlternatingRowColors(true);
     m_table->setWordWrap(false);
+    m_table->setShowGrid(false);
+    m_table->horizontalHeader()->setDefaultAlignment(Qt::AlignLeft | Qt::AlignVCenter);
     m_table->verticalHeader()->hide();
     m_table->horizontalHeader()->setStretchLastSection(true);
     m_table->horizontalHeader()->setHighlightSections(false);

@@ -25,6 +25,7 @@ namespace {
 
 constexpr int kProposedMaximum = 50; // users of a new room
 constexpr int kDetailsWidth = 360;   // logical pixels
+constexpr int kItemSpacing = 2;      // logical pixels
 
 const QString kAddRoom = QStringLiteral("Add Room");
 const QString kDeleteRoom = QStringLiteral("Delete Room");
@@ -88,6 +89,7 @@ QWidget *RoomsTab::createOrder()
     m_list->setObjectName(QStringLiteral("roomsList"));
     m_list->setAccessibleName(QStringLiteral("Rooms"));
     m_list->setAccessibleDescription(QStringLiteral("Alt+Up and Alt+Down move the selected room"));
+    m_list->setSpacing(kItemSpacing);
     m_list->setDragDropMode(QAbstractItemView::InternalMove);
     m_list->setDefaultDropAction(Qt::MoveAction);
     EmptyState::show(m_list, QStringLiteral("No rooms."));
