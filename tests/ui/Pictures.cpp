@@ -4,6 +4,7 @@
 
 #include "SetupRig.h"
 #include "WindowRig.h"
+#include "net/TcpClient.h"
 #include "support/Wait.h"
 #include "ui/AboutDialog.h"
 #include "ui/Theme.h"
@@ -11,6 +12,9 @@
 #include "ui/account/EditProfileDialog.h"
 #include "ui/account/ProfileDialog.h"
 #include "ui/account/UserInfoDialog.h"
+#include "ui/admin/AddGatewayDialog.h"
+#include "ui/admin/AdminPanel.h"
+#include "ui/admin/EditUserDialog.h"
 #include "ui/settings/SerialConfigDialog.h"
 #include "ui/settings/SettingsDialog.h"
 #include "ui/setup/LoginDialog.h"
@@ -158,6 +162,57 @@ void addAccount(Album *album, bool dark)
     album->add(about, q("about"));
 }
 
+QVariantMap account(int id, const QString &callsign, const QString &gateway, const QString &status, bool approved)
+{
+    return {{q("id"), id},
+            {q("callsign"), callsign},
+            {q("gateway_name"), gateway},
+            {q("name"), q("SARI CONTOH")},
+            {q("responsible_name"), q("SARI CONTOH")},
+            {q("responsible_callsign"), q("YB0ABC")},
+            {q("frequency"), q("145.500 MHz")},
+            {q("location"), q("Jl. Merdeka 1, Bandung")},
+            {q("email"), q("gw@klub.example")},
+            {q("whatsapp"), q("08123456789")},
+            {q("status"), status},
+            {q("approved"), approved},
+            {q("is_admin"), id == 1},
+            {q("license_expiry"), q("2035-12-31")},
+            {q("last_login"), q("2026-05-30T07:15:00")},
+            {q("registered_hwid"), approved ? q("0f3a9c") : QString()}};
+}
+
+void addAdministration(Album *album, bool dark)
+{
+    const TestConfig config(operatorsValues(dark));
+    ScriptedPrompts prompts;
+    TcpClient client;
+    AdminPanel panel(&client, prompts);
+    const QList<QVariantMap> users{account(1, q("YB0ADM"), {}, q("active"), true),
+                                   account(2, q("YH0GW"), q("RF-GW SINAR Bukit"), q("active"), true),
+                                   account(3, q("YH1LB"), q("RF-GW SINAR Lembah"), q("suspended"), true),
+                                   account(4, q("YH5XEE"), q("RF-GW SINAR Pantai"), q("pending"), false)};
+    emit client.onlineUsersReceived({{{q("user_id"), 2},
+                                      {q("callsign"), q("YH0GW")},
+                                      {q("name"), q("RF-GW SINAR Bukit")},
+                                      {q("room"), q("== LOBBY ==")}}});
+    emit client.roomListReceived({q("== LOBBY =="), q("Technical"), q("Emergency")});
+    emit client.allUsersReceived(users);
+    emit client.pendingUsersReceived({users.last()});
+    emit client.audioQualityReceived({{q("preset"), q("standard")}});
+    panel.addHwidRequest(q("YH1LB:3"), QDateTime({2026, 5, 30}, {7, 15}));
+    auto *tabs = panel.findChild<QTabWidget *>();
+    const QStringList names{q("online"), q("rooms"), q("users"), q("audio"), q("pending"), q("hwid")};
+    for (int i = 0; i < names.size(); ++i) {
+        tabs->setCurrentIndex(i);
+        album->add(panel, q("admin-") + names.at(i));
+    }
+    EditUserDialog edit(users.at(1), prompts);
+    album->add(edit, q("admin-edit-user"));
+    AddGatewayDialog add;
+    album->add(add, q("admin-add-gateway"));
+}
+
 bool makeAlbum(QApplication &app, const QString &folder, bool dark)
 {
     Theme::apply(app, dark);
@@ -167,6 +222,7 @@ bool makeAlbum(QApplication &app, const QString &folder, bool dark)
     Theme::apply(app, dark);
     addSettings(&album, dark);
     addAccount(&album, dark);
+    addAdministration(&album, dark);
     return hadRoom && album.isComplete();
 }
 
