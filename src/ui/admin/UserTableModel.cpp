@@ -9,7 +9,8 @@ namespace {
 
 using Column = UserTableModel::Column;
 
-constexpr int kLongestShown = 200; ///< characters; no text of the server is laid out further
+constexpr int kLongestShown = 200; // characters; no text of the server is laid out further
+constexpr int kToTheMinute = 16;   // characters of "yyyy-MM-dd hh:mm"
 
 struct Title
 {
@@ -48,7 +49,7 @@ QString textOf(const QVariantMap &user, Column column)
         return UserRecord::isApproved(user) ? QStringLiteral("Approved") : QStringLiteral("Not Approved");
     case Column::Expiry: return UserRecord::expiry(user);
     case Column::Location: return UserRecord::location(user);
-    case Column::LastLogin: return UserRecord::lastLogin(user);
+    case Column::LastLogin: return UserRecord::lastLogin(user).left(kToTheMinute);
     case Column::Device: return UserRecord::deviceText(user);
     case Column::Email: return UserRecord::email(user);
     case Column::WhatsApp: return UserRecord::whatsapp(user);

@@ -12,23 +12,25 @@ namespace {
 
 using Column = UserTableModel::Column;
 
-constexpr int kRowPadding = 10; // logical pixels over a line of text
+constexpr int kRowPadding = 10;  // logical pixels over a line of text
+constexpr int kCellPadding = 10; // beside one
+constexpr int kNarrowest = 56;   // logical pixels of a column
 
-/// What a column's texts usually need, in characters.
+/// What a column's texts need, in digits; 0: the column shares the room that is left.
 int usualWidth(Column column)
 {
     switch (column) {
-    case Column::Id: return 5;
-    case Column::Callsign: return 9;
-    case Column::Name: return 22;
-    case Column::GatewayName: return 18;
-    case Column::Status: return 10;
+    case Column::Id: return 4;
+    case Column::Callsign: return 8;
+    case Column::Name:
+    case Column::GatewayName:
+    case Column::Location:
+    case Column::Email: return 0;
+    case Column::Status: return 9;
     case Column::Approved: return 12;
-    case Column::Expiry: return 11;
-    case Column::Location: return 12;
-    case Column::LastLogin: return 17;
+    case Column::Expiry: return 10;
+    case Column::LastLogin: return 16;
     case Column::Device: return 13;
-    case Column::Email: return 26;
     case Column::WhatsApp: return 16;
     case Column::Actions: return 8;
     }
@@ -63,10 +65,14 @@ void UserTableView::setUpHeaders(const QVector<Column> &columns)
     verticalHeader()->setDefaultSectionSize(fontMetrics().height() + kRowPadding);
     horizontalHeader()->setHighlightSections(false);
     horizontalHeader()->setDefaultAlignment(Qt::AlignLeft | Qt::AlignVCenter);
-    const int character = fontMetrics().averageCharWidth();
+    horizontalHeader()->setMinimumSectionSize(kNarrowest);
+    const int digit = fontMetrics().horizontalAdvance(QLatin1Char('0'));
     for (int i = 0; i < columns.size(); ++i) {
-        const int title = horizontalHeader()->sectionSizeHint(i);
-        setColumnWidth(i, std::max(title, usualWidth(columns.at(i)) * character));
+        const int width = usualWidth(columns.at(i)) * digit;
+        if (width > 0)
+            setColumnWidth(i, std::max(horizontalHeader()->sectionSizeHint(i), width + kCellPadding));
+        else
+            horizontalHeader()->setSectionResizeMode(i, QHeaderView::Stretch);
         if (columns.at(i) == Column::Actions) {
             auto *actions = new UserActionsDelegate(this);
             setItemDelegateForColumn(i, actions);
