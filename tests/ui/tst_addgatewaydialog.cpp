@@ -184,7 +184,7 @@ void AddGatewayDialogTest::theCommand_data()
                                 << q(R"(REGISTER_GATEWAY "RF-GW Satu" "YH8RXX" "146.440 MHz" "2031-11-21" )"
                                      R"("Jl. Satu %1, Medan" "Ani Siti" "YB0ABC" "rahasia" "a@b.id" "08123456789")");
     QTest::newRow("pasted lines") << QStringList{q("1\r\nQUIT"), {}, {}, {}, {}} << false
-                                  << q(R"(REGISTER_GATEWAY "RF-GW Satu" "YH8RXX" "1  QUIT" "2031-11-21" "-" )"
+                                  << q(R"(REGISTER_GATEWAY "RF-GW Satu" "YH8RXX" "1QUIT" "2031-11-21" "-" )"
                                        R"("Ani Siti" "-" "rahasia" "-" "-")");
 }
 
