@@ -87,7 +87,6 @@ QHBoxLayout *AllUsersTab::createFilters()
     m_search->setObjectName(QStringLiteral("allUsersSearch"));
     m_search->setPlaceholderText(QStringLiteral("Search..."));
     m_search->setAccessibleName(QStringLiteral("Search users"));
-    m_search->setClearButtonEnabled(true);
     m_search->setMaxLength(InputRules::kLongestText);
     m_status = new QComboBox(this);
     m_status->setObjectName(QStringLiteral("statusFilter"));

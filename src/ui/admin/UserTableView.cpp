@@ -14,7 +14,7 @@ using Column = UserTableModel::Column;
 
 constexpr int kRowPadding = 10;  // logical pixels over a line of text
 constexpr int kCellPadding = 10; // beside one
-constexpr int kNarrowest = 56;   // logical pixels of a column
+constexpr int kNarrowest = 6;    // digits of a column
 
 /// What a column's texts need, in digits; 0: the column shares the room that is left.
 int usualWidth(Column column)
@@ -27,12 +27,12 @@ int usualWidth(Column column)
     case Column::Location:
     case Column::Email: return 0;
     case Column::Status: return 9;
-    case Column::Approved: return 12;
+    case Column::Approved: return 11;
     case Column::Expiry: return 10;
-    case Column::LastLogin: return 16;
-    case Column::Device: return 13;
+    case Column::LastLogin: return 15;
+    case Column::Device: return 11;
     case Column::WhatsApp: return 16;
-    case Column::Actions: return 8;
+    case Column::Actions: return 7;
     }
     return 0;
 }
@@ -65,8 +65,8 @@ void UserTableView::setUpHeaders(const QVector<Column> &columns)
     verticalHeader()->setDefaultSectionSize(fontMetrics().height() + kRowPadding);
     horizontalHeader()->setHighlightSections(false);
     horizontalHeader()->setDefaultAlignment(Qt::AlignLeft | Qt::AlignVCenter);
-    horizontalHeader()->setMinimumSectionSize(kNarrowest);
     const int digit = fontMetrics().horizontalAdvance(QLatin1Char('0'));
+    horizontalHeader()->setMinimumSectionSize(kNarrowest * digit);
     for (int i = 0; i < columns.size(); ++i) {
         const int width = usualWidth(columns.at(i)) * digit;
         if (width > 0)
