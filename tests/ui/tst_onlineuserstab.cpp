@@ -9,13 +9,16 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QScrollBar>
+#include <QSignalSpy>
 #include <QTableView>
+#include <QVariantAnimation>
 
 class OnlineUsersTabTest final : public QObject
 {
     Q_OBJECT
 
 private slots:
+    void cleanupTestCase();
     void startsEmpty();
     void columns();
     void mutedAsFarAsTold_data();
@@ -98,6 +101,20 @@ struct Rig
 };
 
 } // namespace
+
+/// The button that clears the search fades in and out. A fade outlives its button and ends itself, given a turn.
+void OnlineUsersTabTest::cleanupTestCase()
+{
+    constexpr int kLongerThanAFade = 300; // milliseconds
+    QVariantAnimation last;
+    last.setStartValue(0);
+    last.setEndValue(1);
+    last.setDuration(kLongerThanAFade);
+    QSignalSpy finished(&last, &QVariantAnimation::finished);
+    last.start();
+    QVERIFY(finished.wait());
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+}
 
 void OnlineUsersTabTest::startsEmpty()
 {

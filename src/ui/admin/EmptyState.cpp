@@ -16,13 +16,12 @@ void EmptyState::show(QAbstractItemView *view, const QString &text)
     if (!label)
         label = new EmptyState(view);
     label->setText(text);
-    label->watchModel();
+    label->watch(view->model());
     label->refresh();
 }
 
 EmptyState::EmptyState(QAbstractItemView *view)
     : QLabel(view)
-    , m_view(view)
 {
     setObjectName(QStringLiteral("emptyState"));
     setProperty("hint", true);
@@ -33,15 +32,16 @@ EmptyState::EmptyState(QAbstractItemView *view)
     setAttribute(Qt::WA_TransparentForMouseEvents);
     setFocusPolicy(Qt::NoFocus);
     view->viewport()->installEventFilter(this);
-    cover();
+    cover(*view->viewport());
 }
 
-void EmptyState::watchModel()
+void EmptyState::watch(const QAbstractItemModel *model)
 {
-    const QAbstractItemModel *model = m_view->model();
+    if (m_model)
+        m_model->disconnect(this);
+    m_model = model;
     if (!model)
         return;
-    model->disconnect(this); // called again: each is told once
     connect(model, &QAbstractItemModel::rowsInserted, this, &EmptyState::refresh);
     connect(model, &QAbstractItemModel::rowsRemoved, this, &EmptyState::refresh);
     connect(model, &QAbstractItemModel::modelReset, this, &EmptyState::refresh);
@@ -50,20 +50,19 @@ void EmptyState::watchModel()
 
 void EmptyState::refresh()
 {
-    const QAbstractItemModel *model = m_view->model();
-    setVisible(!model || model->rowCount(m_view->rootIndex()) == 0);
+    setVisible(!m_model || m_model->rowCount() == 0);
 }
 
 /// Over the rows only: the header above them stays to be seen.
-void EmptyState::cover()
+void EmptyState::cover(const QWidget &viewport)
 {
-    setGeometry(m_view->viewport()->geometry());
+    setGeometry(viewport.geometry());
     raise();
 }
 
 bool EmptyState::eventFilter(QObject *watched, QEvent *event)
 {
     if (event->type() == QEvent::Resize || event->type() == QEvent::Move)
-        cover();
+        cover(*static_cast<QWidget *>(watched));
     return QLabel::eventFilter(watched, event);
 }

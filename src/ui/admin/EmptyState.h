@@ -1,11 +1,14 @@
 #pragma once
 
 #include <QLabel>
+#include <QPointer>
 
+class QAbstractItemModel;
 class QAbstractItemView;
 
 /// The words that stand in a list or table while it has no rows. Belongs to its view, lets the mouse through, and
-/// stays in place when the view is scrolled sideways.
+/// stays in place when the view is scrolled sideways. Never asks its view, which may be half destroyed when its model
+/// tells of its end.
 class EmptyState final : public QLabel
 {
     Q_OBJECT
@@ -21,9 +24,9 @@ protected:
 
 private:
     explicit EmptyState(QAbstractItemView *view);
-    void watchModel();
+    void watch(const QAbstractItemModel *model);
     void refresh();
-    void cover();
+    void cover(const QWidget &viewport);
 
-    QAbstractItemView *m_view;
+    QPointer<const QAbstractItemModel> m_model;
 };
