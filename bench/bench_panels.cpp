@@ -114,7 +114,8 @@ QVector<QStringList> textsOf(const QList<QVariantMap> &users)
     return rows;
 }
 
-/// Both fill a table that is on the screen, look for a few accounts in it and show all of them again.
+/// Both fill a table that is on the screen in the order of the ids, look for a few accounts in it and show all of them
+/// again.
 void measureAccounts()
 {
     const QList<QVariantMap> users = accounts();
@@ -126,6 +127,7 @@ void measureAccounts()
     QSortFilterProxyModel filter;
     filter.setFilterCaseSensitivity(Qt::CaseInsensitive);
     filter.setFilterKeyColumn(1);
+    filter.sort(0);
     QTableView theirs;
     theirs.setModel(&filter);
     prepare(theirs);
@@ -145,6 +147,7 @@ void measureAccounts()
             QList<QStandardItem *> cells;
             for (const QString &text : row)
                 cells += new QStandardItem(text);
+            cells.first()->setData(row.first().toInt(), Qt::DisplayRole); // ids are in the order of their numbers
             items.appendRow(cells);
         }
         filter.setSourceModel(&items);
