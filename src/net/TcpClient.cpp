@@ -110,7 +110,9 @@ void TcpClient::sendCommand(const QString &line)
 {
     if (!m_connected || m_socket->state() != QAbstractSocket::ConnectedState)
         return;
-    m_socket->write(line.toUtf8() + "\r\n");
+    QByteArray bytes = line.toUtf8();
+    bytes.replace('\r', ' ').replace('\n', ' '); // a value with a line end must not begin another command
+    m_socket->write(bytes + "\r\n");
 }
 
 void TcpClient::login(const QString &callsign, const QString &password, const QString &hwid)

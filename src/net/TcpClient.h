@@ -39,7 +39,7 @@ public:
     void disconnectFromServer();
     /// Drops a connection attempt, or a connection, at once and without a word to the server.
     void abortConnection();
-    /// Sends one command line; dropped silently while not connected.
+    /// Sends one command line, line ends in it as blanks; dropped silently while not connected.
     void sendCommand(const QString &line);
     void login(const QString &callsign, const QString &password, const QString &hwid);
     void joinRoom(const QString &room);

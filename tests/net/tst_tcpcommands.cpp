@@ -73,6 +73,8 @@ void TcpCommandsTest::commands_data()
     row(
         "unmute", [](TcpClient &c) { c.muteUser(-7, 0); }, "ADMIN_MUTE -7 0");
     row(
+        "a line end in a value", [=](TcpClient &c) { c.sendCommand(q("A \"x\r\nQUIT\n\"")); }, "A \"x  QUIT \"");
+    row(
         "any line, as UTF-8", [=](TcpClient &c) { c.sendCommand(q("TX_START \"Kafé\"")); }, "TX_START \"Kafé\"");
 }
 

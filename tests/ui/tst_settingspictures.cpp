@@ -1,4 +1,5 @@
 #include "SettingsRig.h"
+#include "WidgetChecks.h"
 #include "support/FakeSerial.h"
 #include "support/RadioBench.h"
 #include "support/Screenshots.h"
@@ -25,21 +26,6 @@ constexpr QSize kSmallScreen{1024, 600};
 QString q(const char *text)
 {
     return QString::fromUtf8(text);
-}
-
-/// The texts that have less room than they need.
-QStringList cutOff(const QWidget &window)
-{
-    QStringList texts;
-    for (const auto *widget : window.findChildren<QWidget *>()) {
-        const bool hasText = qobject_cast<const QLabel *>(widget) || qobject_cast<const QAbstractButton *>(widget);
-        if (!hasText || !widget->isVisible())
-            continue;
-        const QSize needed = widget->minimumSizeHint();
-        if (needed.width() > widget->width() || needed.height() > widget->height())
-            texts.append(widget->property("text").toString());
-    }
-    return texts;
 }
 
 /// What Tab reaches, from the first control of the page on and once round.
@@ -106,7 +92,7 @@ void SettingsPicturesTest::nothingIsCutOff()
     for (int tab = 0; tab < tabs->count(); ++tab) {
         tabs->setCurrentIndex(tab);
         QVERIFY(!Screenshots::save(*rig.dialog, QStringLiteral("settings-%1-%2").arg(tab).arg(theme)).isNull());
-        QCOMPARE(cutOff(*rig.dialog), QStringList());
+        QCOMPARE(WidgetChecks::cutOff(*rig.dialog), QStringList());
         const auto *area = qobject_cast<QScrollArea *>(tabs->currentWidget());
         QVERIFY2(!area->horizontalScrollBar()->isVisible() && !area->verticalScrollBar()->isVisible(),
                  "the dialog opens too small for its page");
@@ -116,14 +102,14 @@ void SettingsPicturesTest::nothingIsCutOff()
     for (int tab = 0; tab < tabs->count(); ++tab) {
         tabs->setCurrentIndex(tab);
         QCoreApplication::sendPostedEvents();
-        QCOMPARE(cutOff(*rig.dialog), QStringList());
+        QCOMPARE(WidgetChecks::cutOff(*rig.dialog), QStringList());
     }
     SerialConfigDialog serial;
     QVERIFY(!Screenshots::save(serial, QStringLiteral("serial-config-") + theme).isNull());
     serial.show();
     QVERIFY(serial.width() <= kSmallScreen.width() && serial.height() <= kSmallScreen.height());
     serial.resize(serial.minimumSizeHint());
-    QCOMPARE(cutOff(serial), QStringList());
+    QCOMPARE(WidgetChecks::cutOff(serial), QStringList());
 }
 
 void SettingsPicturesTest::keyboardReaches_data()

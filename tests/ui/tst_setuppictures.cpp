@@ -1,34 +1,12 @@
 #include "SetupRig.h"
+#include "WidgetChecks.h"
 #include "support/Screenshots.h"
 #include "support/TestMain.h"
 #include "ui/Theme.h"
 #include "ui/setup/LoginDialog.h"
 
-#include <QAbstractButton>
 #include <QApplication>
 #include <QImage>
-#include <QLabel>
-
-namespace {
-
-/// The texts that have less room than they need.
-QStringList cutOff(const QWidget &window)
-{
-    QStringList texts;
-    for (const auto *widget : window.findChildren<QWidget *>()) {
-        const auto *label = qobject_cast<const QLabel *>(widget);
-        const auto *button = qobject_cast<const QAbstractButton *>(widget);
-        if (!widget->isVisible() || (!label && !button))
-            continue;
-        const bool wraps = label && label->wordWrap();
-        const QSize needed = wraps ? QSize(0, label->heightForWidth(label->width())) : widget->minimumSizeHint();
-        if (needed.width() > widget->width() || needed.height() > widget->height())
-            texts.append(widget->property("text").toString());
-    }
-    return texts;
-}
-
-} // namespace
 
 class SetupPicturesTest final : public QObject
 {
@@ -58,12 +36,12 @@ void SetupPicturesTest::nothingIsCutOff()
         QVERIFY(rig.goTo(static_cast<SetupWizard::Page>(page)));
         QVERIFY(!Screenshots::save(rig.wizard(), QStringLiteral("setup-%1-%2").arg(page).arg(theme)).isNull());
         rig.wizard().resize(rig.wizard().minimumSize());
-        QCOMPARE(cutOff(rig.wizard()), QStringList());
+        QCOMPARE(WidgetChecks::cutOff(rig.wizard()), QStringList());
     }
     LoginDialog login(rig.endpoints.serverHost, rig.prompts);
     QVERIFY(!Screenshots::save(login, QStringLiteral("setup-login-") + theme).isNull());
     login.show();
-    QCOMPARE(cutOff(login), QStringList());
+    QCOMPARE(WidgetChecks::cutOff(login), QStringList());
 }
 
 EVOX_TEST_MAIN(SetupPicturesTest, QApplication)

@@ -46,6 +46,7 @@ void InputRules::refuseQuotes(QLineEdit &edit)
 {
     static const QRegularExpression noQuotes(QStringLiteral("[^\"]*"));
     edit.setValidator(new QRegularExpressionValidator(noQuotes, &edit));
+    dropControlCharacters(edit);
     QObject::connect(&edit, &QLineEdit::textChanged, &edit, [&edit] { dropControlCharacters(edit); });
     QObject::connect(&edit, &QLineEdit::inputRejected, &edit, [&edit] {
         // Also told when the field is full, which needs no explanation.
