@@ -1,16 +1,12 @@
 #include "WindowRig.h"
 #include "app/Config.h"
 #include "audio/AudioEngine.h"
-#include "net/TcpClient.h"
 #include "radio/SerialManager.h"
 #include "support/FakeRegistry.h"
 #include "support/LogCapture.h"
 #include "support/TestMain.h"
 #include "ui/AboutDialog.h"
 #include "ui/Theme.h"
-#include "ui/account/ChangePasswordDialog.h"
-#include "ui/account/EditProfileDialog.h"
-#include "ui/account/ProfileDialog.h"
 #include "ui/settings/SerialConfigDialog.h"
 #include "ui/settings/SettingsDialog.h"
 
@@ -18,7 +14,6 @@
 #include <QDesktopServices>
 #include <QFileInfo>
 #include <QLabel>
-#include <QLineEdit>
 #include <QPushButton>
 #include <QSlider>
 #include <QUrl>
@@ -75,20 +70,8 @@ private slots:
     void settingsFollowTheCarrier();
     void openDialogsFollowTheTheme();
     void serialConfigurationIsShown();
-    void profileOfTheOwnAccount_data();
-    void profileOfTheOwnAccount();
-    void profileThatIsNotThere_data();
-    void profileThatIsNotThere();
-    void profileOfAnotherCallsignIsNotShown();
-    void editsTheProfile();
-    void editsWithoutAnId();
-    void changesThePassword();
-    void passwordThatIsRefused();
-    void passwordNeedsAConnection();
     void aboutOpens();
     void checksForUpdates();
-    void asksForADeviceReset_data();
-    void asksForADeviceReset();
     void opensHelpPages_data();
     void opensHelpPages();
     void opensTheLogFolder();
@@ -216,203 +199,6 @@ void WindowDialogsTest::checksForUpdates()
     QVERIFY(site.request(0).startsWith("GET /update/ HTTP/1.1\r\n"));
 }
 
-namespace {
-
-QVariantMap ownRecord()
-{
-    return {{q("user_id"), 42},
-            {q("callsign"), WindowRig::kCall},
-            {q("gateway_name"), q("Gerbang")},
-            {q("frequency"), q("145.5")},
-            {q("location"), q("Bandung")},
-            {q("name"), q("Ani")},
-            {q("responsible_callsign"), q("YB0AA")},
-            {q("email"), q("a@b.id")},
-            {q("whatsapp"), q("0812")},
-            {q("status"), q("active")},
-            {q("approved"), true}};
-}
-
-void setText(const QWidget *dialog, const char *name, const QString &text)
-{
-    dialog->findChild<QLineEdit *>(q(name))->setText(text);
-}
-
-QPushButton *button(const QWidget *dialog, const QString &text)
-{
-    for (auto *candidate : dialog->findChildren<QPushButton *>()) {
-        if (candidate->text() == text)
-            return candidate;
-    }
-    return nullptr;
-}
-
-} // namespace
-
-void WindowDialogsTest::profileOfTheOwnAccount_data()
-{
-    QTest::addColumn<bool>("fromList");
-    QTest::newRow("from the profile reply") << false;
-    QTest::newRow("from the list of all users") << true;
-}
-
-void WindowDialogsTest::profileOfTheOwnAccount()
-{
-    QFETCH(bool, fromList);
-    WindowRig rig(offline());
-    rig.open();
-    QVariantMap other = ownRecord();
-    other.insert(q("callsign"), WindowRig::kCall.toLower()); // compared exactly
-    if (fromList)
-        emit rig.service<TcpClient>()->allUsersReceived({other, ownRecord()});
-    else
-        emit rig.service<TcpClient>()->userProfileReceived(ownRecord());
-    emit rig.service<TcpClient>()->allUsersReceived({other}); // a list without the own entry changes nothing
-    const auto *dialog = openBy<ProfileDialog>(rig, "viewProfile");
-    QVERIFY(dialog && dialog->isVisible());
-    QCOMPARE(dialog->windowTitle(), q("My Profile - ") + WindowRig::kCall);
-}
-
-void WindowDialogsTest::profileThatIsNotThere_data()
-{
-    QTest::addColumn<bool>("connected");
-    QTest::newRow("connected") << true;
-    QTest::newRow("not connected") << false;
-}
-
-void WindowDialogsTest::profileThatIsNotThere()
-{
-    QFETCH(bool, connected);
-    WindowRig rig(connected ? QJsonObject() : offline());
-    if (connected)
-        QVERIFY(rig.openAndLogIn());
-    else
-        rig.open();
-    rig.server.clear();
-    if (!connected)
-        rig.prompts.accept();
-    QVERIFY(!openBy<ProfileDialog>(rig, "viewProfile"));
-    if (connected) {
-        QVERIFY(rig.server.waitForLine(q("USER_GET_PROFILE")));
-        QVERIFY(rig.showed(q("Memuat profil..."), 3000));
-    } else {
-        QCOMPARE(rig.prompts.seen().last().kind, Prompt::Kind::Warning);
-        QCOMPARE(rig.prompts.seen().last().title, q("Profile"));
-        QCOMPARE(rig.prompts.seen().last().text, q("Data profil tidak tersedia.\nPastikan Anda terhubung ke server."));
-    }
-}
-
-void WindowDialogsTest::profileOfAnotherCallsignIsNotShown()
-{
-    WindowRig rig(offline());
-    rig.open();
-    emit rig.service<TcpClient>()->userProfileReceived(ownRecord());
-    Config::instance().setCallsign(q("YH9ZZ"));
-    rig.prompts.accept();
-    QVERIFY(!openBy<ProfileDialog>(rig, "viewProfile"));
-    QCOMPARE(rig.prompts.seen().last().title, q("Profile"));
-}
-
-void WindowDialogsTest::editsTheProfile()
-{
-    WindowRig rig;
-    QVERIFY(rig.openAndLogIn());
-    emit rig.service<TcpClient>()->userProfileReceived(ownRecord());
-    const auto *dialog = openBy<EditProfileDialog>(rig, "editProfile");
-    QVERIFY(dialog);
-    setText(dialog, "picNameEdit", q("Budi"));
-    setText(dialog, "frequencyEdit", q("146.0"));
-    rig.prompts.accept();
-    button(dialog, q("Simpan"))->click();
-    QVERIFY(rig.server.waitForLine(q("ADMIN_UPDATE_USER")));
-    QCOMPARE(rig.server.lines().last(), q("ADMIN_UPDATE_USER 42 \"Budi\" \"YB0AA\" \"active\" 1 0 \"Gerbang\" "
-                                          "\"146.0\" \"Bandung\" \"a@b.id\" \"0812\""));
-    QCOMPARE(rig.prompts.seen().last().title, q("Sukses"));
-    QCOMPARE(rig.prompts.seen().last().text, q("Profil berhasil diperbarui!"));
-    const QJsonObject saved = rig.config.saved();
-    QCOMPARE(saved.value(q("name")), QJsonValue(q("Budi")));
-    QCOMPARE(saved.value(q("frequency")), QJsonValue(q("146.0")));
-    QCOMPARE(saved.value(q("location")), QJsonValue(q("Bandung")));
-    QCOMPARE(saved.value(q("whatsapp")), QJsonValue(q("0812")));
-    QVERIFY(!saved.contains(q("email")));
-    QVERIFY(!saved.contains(q("responsible_callsign")));
-}
-
-void WindowDialogsTest::editsWithoutAnId()
-{
-    WindowRig rig({{q("name"), q("Ani")}, {q("location"), q("di bukit")}});
-    QVERIFY(rig.openAndLogIn());
-    const auto *dialog = openBy<EditProfileDialog>(rig, "editProfile");
-    QVERIFY(dialog);
-    QCOMPARE(dialog->windowTitle(), q("Edit Profile - ") + WindowRig::kCall);
-    setText(dialog, "whatsappEdit", q("0813"));
-    rig.prompts.accept();
-    button(dialog, q("Simpan"))->click();
-    QCOMPARE(rig.prompts.seen().last().text, q("Profil berhasil diperbarui!"));
-    QCOMPARE(rig.config.saved().value(q("whatsapp")), QJsonValue(q("0813")));
-    QCOMPARE(rig.config.saved().value(q("location")), QJsonValue(q("di bukit"))); // nothing is wiped out
-    rig.service<TcpClient>()->sendCommand(q("LAST"));
-    QVERIFY(rig.server.waitForLine(q("LAST")));
-    QCOMPARE(rig.server.count(q("ADMIN_UPDATE_USER")), 0);
-}
-
-void WindowDialogsTest::changesThePassword()
-{
-    WindowRig rig;
-    QVERIFY(rig.openAndLogIn());
-    rig.server.answer(q("USER_CHANGE_PASSWORD"), {q("USER_CHANGE_PASSWORD_OK")});
-    auto *dialog = openBy<ChangePasswordDialog>(rig, "changePassword");
-    QVERIFY(dialog);
-    setText(dialog, "oldPasswordEdit", q("secret-word"));
-    setText(dialog, "newPasswordEdit", q("geheim1"));
-    setText(dialog, "confirmPasswordEdit", q("geheim1"));
-    rig.prompts.accept();
-    rig.prompts.accept();
-    button(dialog, q("Change Password"))->click();
-    QTRY_COMPARE(rig.prompts.seen().size(), 2); // of every change, and of this one
-    QCOMPARE(rig.prompts.seen().at(0).title, q("Password"));
-    QCOMPARE(rig.prompts.seen().at(0).text, q("Password berhasil diubah"));
-    QCOMPARE(rig.prompts.seen().at(1).title, q("Sukses"));
-    QCOMPARE(rig.prompts.seen().at(1).text, q("Password berhasil diubah!"));
-    QVERIFY(rig.server.lines().contains(q("USER_CHANGE_PASSWORD \"secret-word\" \"geheim1\"")));
-    QCOMPARE(rig.config.saved().value(q("password")), QJsonValue(q("geheim1")));
-    QTRY_VERIFY(!rig.window().findChild<ChangePasswordDialog *>());
-}
-
-void WindowDialogsTest::passwordThatIsRefused()
-{
-    WindowRig rig;
-    QVERIFY(rig.openAndLogIn());
-    rig.server.answer(q("USER_CHANGE_PASSWORD"), {q("USER_CHANGE_PASSWORD_FAIL|Password lama salah")});
-    auto *dialog = openBy<ChangePasswordDialog>(rig, "changePassword");
-    setText(dialog, "oldPasswordEdit", q("wrong"));
-    setText(dialog, "newPasswordEdit", q("geheim1"));
-    setText(dialog, "confirmPasswordEdit", q("geheim1"));
-    rig.prompts.accept();
-    button(dialog, q("Change Password"))->click();
-    QTRY_COMPARE(rig.prompts.seen().size(), 1);
-    QCOMPARE(rig.prompts.seen().first().kind, Prompt::Kind::Warning);
-    QCOMPARE(rig.prompts.seen().first().title, q("Gagal Ubah Password"));
-    QCOMPARE(rig.prompts.seen().first().text, q("Password lama salah"));
-    QTRY_VERIFY(button(dialog, q("Change Password"))->isEnabled());
-    QVERIFY(dialog->isVisible());
-    QCOMPARE(rig.config.saved().value(q("password")), QJsonValue(WindowRig::kPassword));
-}
-
-void WindowDialogsTest::passwordNeedsAConnection()
-{
-    WindowRig rig(offline());
-    rig.open();
-    auto *dialog = openBy<ChangePasswordDialog>(rig, "changePassword");
-    setText(dialog, "oldPasswordEdit", q("secret-word"));
-    setText(dialog, "newPasswordEdit", q("geheim1"));
-    setText(dialog, "confirmPasswordEdit", q("geheim1"));
-    button(dialog, q("Change Password"))->click();
-    const auto labels = dialog->findChildren<QLabel *>();
-    QVERIFY(std::any_of(labels.begin(), labels.end(),
-                        [](const QLabel *label) { return label->text() == q("Tidak terhubung ke server!"); }));
-}
-
 void WindowDialogsTest::aboutOpens()
 {
     WindowRig rig(offline());
@@ -420,54 +206,6 @@ void WindowDialogsTest::aboutOpens()
     const auto *dialog = openBy<AboutDialog>(rig, "about");
     QVERIFY(dialog && dialog->isVisible());
     QCOMPARE(dialog->windowTitle(), q("About e-VOX SINAR"));
-}
-
-void WindowDialogsTest::asksForADeviceReset_data()
-{
-    QTest::addColumn<bool>("connected");
-    QTest::addColumn<bool>("wanted");
-    QTest::addColumn<QString>("title");
-    QTest::addColumn<QString>("text");
-    QTest::newRow("not wanted") << true << false << QString() << QString();
-    QTest::newRow("connected") << true << true << q("Permintaan Terkirim")
-                               << q("Permintaan reset HWID telah dikirim ke administrator.\n\nHubungi administrator "
-                                    "untuk mempercepat proses.\nSetelah disetujui, restart aplikasi dan login ulang.");
-    QTest::newRow("not connected") << false << true << q("Tidak Terhubung")
-                                   << q("Anda harus terhubung ke server untuk mengirim permintaan reset HWID.");
-}
-
-void WindowDialogsTest::asksForADeviceReset()
-{
-    QFETCH(bool, connected);
-    QFETCH(bool, wanted);
-    QFETCH(QString, title);
-    WindowRig rig(connected ? QJsonObject() : offline());
-    if (connected)
-        QVERIFY(rig.openAndLogIn());
-    else
-        rig.open();
-    if (wanted) {
-        rig.prompts.accept();
-        rig.prompts.accept();
-    } else {
-        rig.prompts.cancel();
-    }
-    rig.action("resetDevice")->trigger();
-    const Prompt &question = rig.prompts.seen().first();
-    QCOMPARE(question.kind, Prompt::Kind::Question);
-    QCOMPARE(question.title, q("Reset HWID"));
-    QCOMPARE(question.text, q("Kirim permintaan Reset Hardware ID ke administrator?\n\nAdministrator perlu menyetujui "
-                              "permintaan ini sebelum\nAnda bisa login dari perangkat baru."));
-    QVERIFY(!question.yesIsDefault);
-    if (wanted) {
-        QCOMPARE(rig.prompts.seen().last().title, title);
-        QTEST(rig.prompts.seen().last().text, "text");
-        QCOMPARE(rig.prompts.seen().last().kind, connected ? Prompt::Kind::Information : Prompt::Kind::Warning);
-    }
-    if (connected && wanted)
-        QVERIFY(rig.server.waitForLine(q("USER_REQUEST_HWID_RESET \"") + WindowRig::kCall + QLatin1Char('"')));
-    else
-        QCOMPARE(rig.server.count(q("USER_REQUEST_HWID_RESET")), 0);
 }
 
 void WindowDialogsTest::opensHelpPages_data()

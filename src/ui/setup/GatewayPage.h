@@ -37,7 +37,6 @@ private slots:
 
 private:
     void createFields(const GatewayData &proposal);
-    void layOut();
     void showVerdict(const RegistryRecord &record);
 
     Prompts &m_prompts;
