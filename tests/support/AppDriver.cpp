@@ -31,6 +31,11 @@ QJsonObject clickRequest(const QString &widget)
     return request("click", {{QStringLiteral("name"), widget}});
 }
 
+QJsonObject chooseRequest(const QString &entry)
+{
+    return request("choose", {{QStringLiteral("entry"), entry}});
+}
+
 QJsonObject keyRequest(const QString &name)
 {
     return request("key", {{QStringLiteral("key"), name}});
@@ -123,6 +128,16 @@ bool AppDriver::click(const QString &widget)
     return insist(clickRequest(widget));
 }
 
+bool AppDriver::openMenu()
+{
+    return insist(request("menu"));
+}
+
+bool AppDriver::choose(const QString &entry)
+{
+    return insist(chooseRequest(entry));
+}
+
 bool AppDriver::type(const QString &text)
 {
     return insist(typeRequest(text));
@@ -154,6 +169,11 @@ bool AppDriver::screenshot(const QString &path)
 QString AppDriver::tryClick(const QString &widget)
 {
     return attempt(clickRequest(widget));
+}
+
+QString AppDriver::tryChoose(const QString &entry)
+{
+    return attempt(chooseRequest(entry));
 }
 
 QString AppDriver::tryKey(const QString &name)

@@ -49,6 +49,10 @@ public:
     [[nodiscard]] QString focus();
 
     [[nodiscard]] bool click(const QString &widget);
+    /// Opens the context menu of the widget that has the keyboard.
+    [[nodiscard]] bool openMenu();
+    /// Clicks an entry of the menu that is open.
+    [[nodiscard]] bool choose(const QString &entry);
     [[nodiscard]] bool type(const QString &text);
     /// "Return", "Shift+Tab", "Ctrl+A".
     [[nodiscard]] bool key(const QString &name);
@@ -59,6 +63,7 @@ public:
 
     /// Why the program refuses the action now; empty when it has been done.
     [[nodiscard]] QString tryClick(const QString &widget);
+    [[nodiscard]] QString tryChoose(const QString &entry);
     [[nodiscard]] QString tryKey(const QString &name);
     [[nodiscard]] QString tryType(const QString &text);
 

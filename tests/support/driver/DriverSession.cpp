@@ -72,6 +72,8 @@ void DriverSession::answer(const QByteArray &line)
         {QStringLiteral("focus"), onFocus},
         {QStringLiteral("click"), onClick},
         {QStringLiteral("answer"), onAnswer},
+        {QStringLiteral("menu"), onMenu},
+        {QStringLiteral("choose"), onChoose},
         {QStringLiteral("type"), onType},
         {QStringLiteral("key"), onKey},
         {QStringLiteral("screenshot"), onScreenshot},
@@ -98,7 +100,7 @@ void DriverSession::send(const QJsonObject &message)
 
 DriverSession::Reply DriverSession::perform(const UserActions::Action &action)
 {
-    return {action.refusal, true, action.begin};
+    return {action.refusal, true, action.refusal.isEmpty() ? action.begin : nullptr};
 }
 
 DriverSession::Reply DriverSession::onWindows(const QJsonObject &)
@@ -148,6 +150,16 @@ DriverSession::Reply DriverSession::onClick(const QJsonObject &request)
 DriverSession::Reply DriverSession::onAnswer(const QJsonObject &request)
 {
     return perform(UserActions::answer(text(request, "button")));
+}
+
+DriverSession::Reply DriverSession::onMenu(const QJsonObject &)
+{
+    return perform(UserActions::contextMenu());
+}
+
+DriverSession::Reply DriverSession::onChoose(const QJsonObject &request)
+{
+    return perform(UserActions::choose(text(request, "entry")));
 }
 
 DriverSession::Reply DriverSession::onType(const QJsonObject &request)

@@ -39,6 +39,8 @@ private:
     [[nodiscard]] static Reply onFocus(const QJsonObject &request);
     [[nodiscard]] static Reply onClick(const QJsonObject &request);
     [[nodiscard]] static Reply onAnswer(const QJsonObject &request);
+    [[nodiscard]] static Reply onMenu(const QJsonObject &request);
+    [[nodiscard]] static Reply onChoose(const QJsonObject &request);
     [[nodiscard]] static Reply onType(const QJsonObject &request);
     [[nodiscard]] static Reply onKey(const QJsonObject &request);
     [[nodiscard]] static Reply onScreenshot(const QJsonObject &request);

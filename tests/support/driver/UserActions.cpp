@@ -5,7 +5,9 @@
 #include <QAbstractButton>
 #include <QApplication>
 #include <QCheckBox>
+#include <QContextMenuEvent>
 #include <QKeySequence>
+#include <QMenu>
 #include <QMessageBox>
 #include <QPixmap>
 #include <QPointer>
@@ -72,6 +74,15 @@ void activate(QWidget *window)
         window->activateWindow();
 }
 
+/// Keys that come before a window has the keyboard would be no shortcuts of it.
+QString whyNoKeysYet(const QWidget &widget)
+{
+    QWidget *window = widget.window();
+    activate(window);
+    const bool takesKeys = window->isActiveWindow() || window->windowType() == Qt::Popup;
+    return takesKeys ? QString() : QStringLiteral("\"%1\" has not got the keyboard yet").arg(window->windowTitle());
+}
+
 bool isTypeable(const QString &text)
 {
     return std::all_of(text.begin(), text.end(), [](QChar c) { return c.unicode() >= ' ' && c.unicode() <= '~'; });
@@ -111,9 +122,7 @@ Action UserActions::type(const QString &text)
     QWidget *target = focusWidget();
     if (!target)
         return refused(QStringLiteral("no widget has the keyboard"));
-    return {{}, [text, target = QPointer<QWidget>(target)] {
-                if (target)
-                    activate(target->window());
+    return {whyNoKeysYet(*target), [text] {
                 for (const QChar c : text) {
                     // A key may move the focus or open a window; the next one goes where a user's would.
                     if (QWidget *now = focusWidget())
@@ -132,12 +141,42 @@ Action UserActions::key(const QString &name)
     if (!window)
         return refused(QStringLiteral("no window is open"));
     QWidget *focused = focusWidget();
-    return {{}, [combination = sequence[0], target = QPointer<QWidget>(focused ? focused : window)] {
+    return {whyNoKeysYet(*window), [combination = sequence[0], target = QPointer<QWidget>(focused ? focused : window)] {
                 if (!target)
                     return;
-                activate(target->window());
                 QTest::keyClick(target, static_cast<Qt::Key>(combination & ~kModifiers),
                                 Qt::KeyboardModifiers(combination & kModifiers));
+            }};
+}
+
+Action UserActions::contextMenu()
+{
+    QWidget *target = focusWidget();
+    if (!target)
+        return refused(QStringLiteral("no widget has the keyboard"));
+    return {{}, [target = QPointer<QWidget>(target)] {
+                if (!target)
+                    return;
+                const QPoint place = target->inputMethodQuery(Qt::ImCursorRectangle).toRect().center();
+                QContextMenuEvent event(QContextMenuEvent::Keyboard, place, target->mapToGlobal(place));
+                QCoreApplication::sendEvent(target, &event);
+            }};
+}
+
+Action UserActions::choose(const QString &entry)
+{
+    auto *menu = qobject_cast<QMenu *>(WidgetFinder::frontWindow());
+    if (!menu)
+        return refused(QStringLiteral("no menu is open"));
+    const QList<QAction *> entries = menu->actions();
+    const auto found = std::find_if(entries.begin(), entries.end(), [&entry](const QAction *candidate) {
+        return candidate->isVisible() && WidgetFinder::plainLabel(candidate->text()) == entry;
+    });
+    if (found == entries.end() || !(*found)->isEnabled())
+        return refused(QStringLiteral("the menu has no entry \"%1\" that can be chosen").arg(entry));
+    return {{}, [target = QPointer<QMenu>(menu), place = menu->actionGeometry(*found).center()] {
+                if (target)
+                    QTest::mouseClick(target.data(), Qt::LeftButton, {}, place);
             }};
 }
 

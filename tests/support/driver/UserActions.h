@@ -27,6 +27,11 @@ struct Action
 /// "Return", "Shift+Tab", "Ctrl+A": to the widget that has the keyboard, or else to the window in front.
 [[nodiscard]] Action key(const QString &name);
 
+/// What the menu key opens, at the widget that has the keyboard.
+[[nodiscard]] Action contextMenu();
+/// The left button on the entry of the menu in front whose text, without its mnemonic, is this.
+[[nodiscard]] Action choose(const QString &entry);
+
 /// The widget that keys go to; nullptr without one.
 [[nodiscard]] QWidget *focusWidget();
 /// The front window, or the one of this title or object name, as a PNG file; why not, or nothing.

@@ -1,5 +1,6 @@
 // A program with something of everything that the driver has to cope with, which knows nothing of the driver.
 
+#include <QAction>
 #include <QApplication>
 #include <QCheckBox>
 #include <QDialog>
@@ -56,10 +57,21 @@ private:
         button("plainButton", QStringLiteral("&Plain"));
         button("hiddenButton", QStringLiteral("Hidden"))->hide();
         button("disabledButton", QStringLiteral("Disabled"))->setEnabled(false);
+        addMenu(button("menuButton", QStringLiteral("Menu")));
         connect(button("askButton", QStringLiteral("Ask")), &QPushButton::clicked, this, &SampleWindow::ask);
         connect(button("dialogButton", QStringLiteral("Dialog")), &QPushButton::clicked, this, &SampleWindow::dialog);
         connect(button("restartButton", QStringLiteral("Restart")), &QPushButton::clicked, this,
                 &SampleWindow::restart);
+    }
+    void addMenu(QPushButton *button)
+    {
+        button->setContextMenuPolicy(Qt::ActionsContextMenu);
+        for (const char *entry : {"&First", "Off"}) {
+            auto *action = new QAction(QLatin1String(entry), button);
+            action->setEnabled(action->text() != QLatin1String("Off"));
+            connect(action, &QAction::triggered, m_log, [this, action] { m_log->setText(action->text()); });
+            button->addAction(action);
+        }
     }
     void ask()
     {

@@ -96,6 +96,7 @@ private slots:
     void clicks_data();
     void clicks();
     void typesAndUsesKeys();
+    void choosesFromAMenu();
     void worksInsideBoxes();
     void worksInsideNestedDialogs();
     void takesPictures();
@@ -242,6 +243,20 @@ void DriverTest::typesAndUsesKeys()
     QVERIFY(driver.waitForProperty(QStringLiteral("checkBox"), QStringLiteral("checked"), true));
     QVERIFY(driver.key(QStringLiteral("Alt+P"))); // the button's mnemonic
     QVERIFY(driver.waitForText(QStringLiteral("logLabel"), QStringLiteral("plainButton")));
+}
+
+void DriverTest::choosesFromAMenu()
+{
+    AppDriver &driver = m_sample->driver;
+    QVERIFY(driver.tabTo(QStringLiteral("menuButton")));
+    QCOMPARE(driver.tryChoose(QStringLiteral("First")), QStringLiteral("no menu is open"));
+    QVERIFY(driver.openMenu());
+    QVERIFY(
+        waitFor([&] { return driver.tryChoose(QStringLiteral("Off")) != QLatin1String("no menu is open"); }, kTimeout));
+    QCOMPARE(driver.tryChoose(QStringLiteral("Off")),
+             QStringLiteral("the menu has no entry \"Off\" that can be chosen"));
+    QVERIFY(driver.choose(QStringLiteral("First")));
+    QVERIFY(driver.waitForText(QStringLiteral("logLabel"), QStringLiteral("&First")));
 }
 
 void DriverTest::worksInsideBoxes()
