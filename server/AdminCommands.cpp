@@ -1,6 +1,6 @@
-// What administrators do. Each leaves a line in the log; changes reach the people concerned at once.
+// What administrators do to accounts and people. Each deed leaves a line in the log and reaches the people concerned at
+// once.
 
-#include "server/AudioPresets.h"
 #include "server/Command.h"
 #include "server/ControlServer.h"
 #include "server/Passwords.h"
@@ -11,14 +11,11 @@
 #include <QJsonArray>
 #include <QJsonDocument>
 
-#include <algorithm>
-
 namespace {
 
 const QString kUnknownUser = QStringLiteral("ERROR|User tidak ditemukan");
 const QString kNotOnline = QStringLiteral("ERROR|User tidak online");
 const QString kUnknownRoom = QStringLiteral("ERROR|Room tidak ditemukan");
-constexpr int kMostMembers = 10000;
 
 constexpr int kOwnFormArguments = 11;
 constexpr int kAdminFormArguments = 12;
@@ -335,98 +332,4 @@ void ControlServer::deleteUser(Session &session, const Command &command)
     session.send(QStringLiteral("ADMIN_DELETE_USER_OK"));
     if (Session *target = sessionOf(account->id))
         removeFromRoom(*target, QStringLiteral("KICKED|Akun dihapus ") + byAdmin(session));
-}
-
-void ControlServer::setQuality(Session &session, const Command &command)
-{
-    const QString preset = command.argument(0);
-    if (!AudioPresets::contains(preset) || !m_store->setSetting(QStringLiteral("audio_preset"), preset)) {
-        session.send(QStringLiteral("ERROR|Preset tidak dikenal"));
-        return;
-    }
-    audit(session, QStringLiteral("set the audio quality to ") + preset);
-    session.send(QStringLiteral("ADMIN_SET_AUDIO_QUALITY_OK|") + preset);
-    for (Session *other : qAsConst(m_sessions)) {
-        if (other->isLoggedIn())
-            sendQuality(*other);
-    }
-    sendServerInfo();
-}
-
-void ControlServer::createRoom(Session &session, const Command &command)
-{
-    const QString name = cleanText(command.argument(0));
-    const int maximum = std::clamp(command.number(1), 0, kMostMembers);
-    if (name.isEmpty() || !m_store->addRoom({name, maximum})) {
-        session.send(name.isEmpty() ? QStringLiteral("ERROR|Nama room tidak boleh kosong")
-                                    : QStringLiteral("ERROR|Room sudah ada"));
-        return;
-    }
-    loadRooms();
-    audit(session, QStringLiteral("created the room ") + name);
-    session.send(QStringLiteral("ADMIN_CREATE_ROOM_OK|") + name);
-    sendToAll(roomsLine());
-    sendServerInfo();
-}
-
-void ControlServer::editRoom(Session &session, const Command &command)
-{
-    Room *room = findRoom(command.argument(0));
-    const QString name = cleanText(command.argument(1));
-    const int maximum = std::clamp(command.number(2), 0, kMostMembers);
-    if (!room || name.isEmpty() || (name != room->name && findRoom(name)) ||
-        !m_store->editRoom(room->name, {name, maximum})) {
-        session.send(room ? QStringLiteral("ERROR|Nama room tidak dapat dipakai") : kUnknownRoom);
-        return;
-    }
-    const QVector<Session *> members = room->members;
-    audit(session, QStringLiteral("edited the room ") + name);
-    if (name != room->name) {
-        releaseTalk(*room);
-        room->name = name;
-        for (Session *member : members)
-            m_relay.setRoom(member->account().id, name);
-        for (Session *member : members)
-            member->send(QStringLiteral("JOIN_OK|%1|%2").arg(name, QString::fromLatin1(room->key.toBase64())));
-        sendUserList(*room);
-    }
-    loadRooms();
-    session.send(QStringLiteral("ADMIN_EDIT_ROOM_OK|") + name);
-    sendToAll(roomsLine());
-}
-
-void ControlServer::deleteRoom(Session &session, const Command &command)
-{
-    Room *room = findRoom(command.argument(0));
-    if (!room || !m_store->removeRoom(room->name)) {
-        session.send(kUnknownRoom);
-        return;
-    }
-    const QString name = room->name;
-    const QVector<Session *> members = room->members;
-    for (Session *member : members) {
-        leaveRoom(*member);
-        member->send(QStringLiteral("LEAVE_OK"));
-    }
-    loadRooms();
-    audit(session, QStringLiteral("deleted the room ") + name);
-    session.send(QStringLiteral("ADMIN_DELETE_ROOM_OK|") + name);
-    sendToAll(roomsLine());
-    sendServerInfo();
-}
-
-void ControlServer::setRoomOrder(Session &session, const Command &command)
-{
-    QStringList order = command.rest(0).split(QLatin1Char('|'));
-    order.removeDuplicates();
-    order.erase(std::remove_if(order.begin(), order.end(), [this](const QString &name) { return !findRoom(name); }),
-                order.end());
-    if (order.isEmpty() || !m_store->setRoomOrder(order)) {
-        session.send(QStringLiteral("ERROR|Urutan room tidak dapat disimpan"));
-        return;
-    }
-    loadRooms();
-    audit(session, QStringLiteral("ordered the rooms"));
-    session.send(QStringLiteral("ADMIN_SET_ROOM_ORDER_OK"));
-    sendToAll(roomsLine());
 }

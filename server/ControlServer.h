@@ -120,16 +120,18 @@ private:
     void resetDevice(Session &session, const Command &command);
     void resetPassword(Session &session, const Command &command);
     void deleteUser(Session &session, const Command &command);
-    void setQuality(Session &session, const Command &command);
-    void createRoom(Session &session, const Command &command);
-    void editRoom(Session &session, const Command &command);
-    void deleteRoom(Session &session, const Command &command);
-    void setRoomOrder(Session &session, const Command &command);
     void removeFromRoom(Session &target, const QString &line);
     void sendResetRequest(Session &admin, const Account &account);
     void sendResetRequests(Session &admin);
     [[nodiscard]] bool isOwnAccount(Session &session, const Account &account);
     void store(const Account &account);
+
+    // RoomAdminCommands.cpp
+    void setQuality(Session &session, const Command &command);
+    void createRoom(Session &session, const Command &command);
+    void editRoom(Session &session, const Command &command);
+    void deleteRoom(Session &session, const Command &command);
+    void setRoomOrder(Session &session, const Command &command);
 
     AccountStore *m_store;
     QTcpServer m_tcp;
