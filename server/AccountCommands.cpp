@@ -68,6 +68,7 @@ void ControlServer::login(Session &session, const Command &command)
         refuse(refusal);
         return;
     }
+    showOut(session);
     signOff(session); // one connection, one account
     completeLogin(session, *account, hwid);
 }
@@ -93,6 +94,7 @@ void ControlServer::completeLogin(Session &session, Account account, const QStri
 {
     // The same device again: its old connection died unnoticed.
     if (Session *old = sessionOf(account.id)) {
+        showOut(*old);
         signOff(*old);
         old->close();
     }

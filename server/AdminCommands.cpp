@@ -147,7 +147,7 @@ void ControlServer::setApproved(Session &session, const Command &command, bool a
 void ControlServer::removeFromRoom(Session &target, const QString &line)
 {
     Room *room = target.room();
-    leaveRoom(target);
+    showOut(target);
     if (room)
         renewKey(*room);
     target.send(line);

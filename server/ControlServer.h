@@ -101,6 +101,7 @@ private:
     void loadRooms();
     void enter(Session &session, Room &room);
     void leaveRoom(Session &session);
+    void showOut(Session &session);
     void releaseTalk(Room &room);
     void renewKey(Room &room);
     void sendUserList(const Room &room);

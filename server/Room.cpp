@@ -5,6 +5,11 @@
 
 #include <QStringList>
 
+QString Room::emptyUserList() const
+{
+    return QStringLiteral("USER_LIST|%1||||||").arg(name);
+}
+
 void Room::renewKey()
 {
     key = Passwords::randomBytes(kKeySize);

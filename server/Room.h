@@ -20,5 +20,6 @@ struct Room
 
     void renewKey();
     [[nodiscard]] bool isFull() const { return maximum > 0 && members.size() >= maximum; }
-    [[nodiscard]] QString userList() const; ///< the "USER_LIST" line
+    [[nodiscard]] QString userList() const;      ///< the "USER_LIST" line
+    [[nodiscard]] QString emptyUserList() const; ///< what it is for somebody who has left
 };

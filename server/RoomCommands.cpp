@@ -89,7 +89,7 @@ void ControlServer::enter(Session &session, Room &room)
 void ControlServer::leave(Session &session, const Command &command)
 {
     Q_UNUSED(command)
-    leaveRoom(session);
+    showOut(session);
     session.send(QStringLiteral("LEAVE_OK"));
 }
 
@@ -104,6 +104,17 @@ void ControlServer::leaveRoom(Session &session)
     session.setRoom(nullptr);
     m_relay.setRoom(session.account().id, {});
     sendUserList(*room);
+}
+
+/// Like leaveRoom(), for one who stays connected: a client keys its radio by the user list alone, and would keep it keyed
+/// for a talker whom it hears no more.
+void ControlServer::showOut(Session &session)
+{
+    if (!session.room())
+        return;
+    const QString empty = session.room()->emptyUserList();
+    leaveRoom(session);
+    session.send(empty);
 }
 
 void ControlServer::startTransmission(Session &session, const Command &command)
