@@ -228,8 +228,7 @@ void ControlServer::move(Session &session, const Command &command)
     leaveRoom(*target);
     if (old)
         renewKey(*old);
-    target->send(QStringLiteral("MOVED|%1|%2|%3")
-                     .arg(room->name, session.account().callsign, QString::fromLatin1(room->key.toBase64())));
+    target->send(room->movedLine(session.account().callsign));
     enter(*target, *room);
 }
 

@@ -99,6 +99,7 @@ private:
     [[nodiscard]] Room *findRoom(const QString &name) const;
     [[nodiscard]] QString roomsLine() const;
     void loadRooms();
+    void admit(Session &session, Room &room);
     void enter(Session &session, Room &room);
     void leaveRoom(Session &session);
     void showOut(Session &session);
@@ -132,6 +133,7 @@ private:
     void createRoom(Session &session, const Command &command);
     void editRoom(Session &session, const Command &command);
     void deleteRoom(Session &session, const Command &command);
+    void moveOn(const Room &deleted, const QString &by);
     void setRoomOrder(Session &session, const Command &command);
 
     AccountStore *m_store;

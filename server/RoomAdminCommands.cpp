@@ -79,17 +79,40 @@ void ControlServer::deleteRoom(Session &session, const Command &command)
         session.send(kUnknownRoom);
         return;
     }
-    const QString name = room->name;
-    const QVector<Session *> members = room->members;
-    for (Session *member : members) {
-        leaveRoom(*member);
-        member->send(QStringLiteral("LEAVE_OK"));
+    const Room deleted = *room;
+    const QString &name = deleted.name;
+    releaseTalk(*room);
+    for (Session *member : deleted.members) {
+        member->setRoom(nullptr);
+        m_relay.setRoom(member->account().id, {});
     }
-    loadRooms();
+    loadRooms(); // the room is gone from here on
+    moveOn(deleted, session.account().callsign);
     audit(session, QStringLiteral("deleted the room ") + name);
     session.send(QStringLiteral("ADMIN_DELETE_ROOM_OK|") + name);
     sendToAll(roomsLine());
     sendServerInfo();
+}
+
+/// The members of a room that is no more: each into the first room that has place, so that a gateway which nobody
+/// attends stays on the air.
+void ControlServer::moveOn(const Room &deleted, const QString &by)
+{
+    QVector<const Room *> entered;
+    for (Session *member : deleted.members) {
+        const auto free = std::find_if(m_rooms.cbegin(), m_rooms.cend(), [](const auto &r) { return !r->isFull(); });
+        if (free == m_rooms.cend()) {
+            member->send(deleted.emptyUserList());
+            member->send(QStringLiteral("LEAVE_OK"));
+            continue;
+        }
+        member->send((*free)->movedLine(by));
+        admit(*member, **free);
+        if (!entered.contains(free->get()))
+            entered.append(free->get());
+    }
+    for (const Room *room : entered)
+        sendUserList(*room);
 }
 
 void ControlServer::setRoomOrder(Session &session, const Command &command)

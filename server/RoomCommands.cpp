@@ -76,13 +76,18 @@ void ControlServer::join(Session &session, const Command &command)
     enter(session, *room);
 }
 
+/// Of the list of members, which follows, the others know nothing yet.
+void ControlServer::admit(Session &session, Room &room)
+{
+    room.members.append(&session);
+    session.setRoom(&room);
+    m_relay.setRoom(session.account().id, room.name);
+}
+
 void ControlServer::enter(Session &session, Room &room)
 {
-    if (session.room() != &room) {
-        room.members.append(&session);
-        session.setRoom(&room);
-        m_relay.setRoom(session.account().id, room.name);
-    }
+    if (session.room() != &room)
+        admit(session, room);
     sendUserList(room);
 }
 
@@ -106,8 +111,8 @@ void ControlServer::leaveRoom(Session &session)
     sendUserList(*room);
 }
 
-/// Like leaveRoom(), for one who stays connected: a client keys its radio by the user list alone, and would keep it keyed
-/// for a talker whom it hears no more.
+/// Like leaveRoom(), for one who stays connected: a client keys its radio by the user list alone, and would keep it
+/// keyed for a talker whom it hears no more.
 void ControlServer::showOut(Session &session)
 {
     if (!session.room())
