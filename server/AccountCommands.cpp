@@ -1,5 +1,6 @@
 // Login, the own account, and who is there.
 
+#include "server/Answers.h"
 #include "server/AudioPresets.h"
 #include "server/Command.h"
 #include "server/ControlServer.h"
@@ -98,11 +99,12 @@ void ControlServer::completeLogin(Session &session, Account account, const QStri
         signOff(*old);
         old->close();
     }
+    const Account before = account;
     if (account.hwid.isEmpty())
         account.hwid = hwid;
     account.lastLogin = QDateTime::currentDateTimeUtc().toString(Qt::ISODate);
-    store(account);
-    session.logIn(account, hwid);
+    // A full disk must not keep the gateways off the air: what is noted here may be noted the next time.
+    session.logIn(write(account) ? account : before, hwid);
     const QByteArray token = Passwords::randomBytes(kTokenBytes).toHex();
     m_relay.addMember(account.id, token);
     audit(session, QStringLiteral("logged in"));
@@ -155,7 +157,10 @@ void ControlServer::changePassword(Session &session, const Command &command)
         fail(QStringLiteral("Password tidak boleh berisi spasi"));
     } else {
         account.passwordHash = Passwords::hash(command.argument(1));
-        store(account);
+        if (account.passwordHash.isEmpty() || !store(account)) {
+            fail(QStringLiteral("Perubahan tidak dapat disimpan"));
+            return;
+        }
         audit(session, QStringLiteral("changed the password"));
         session.send(QStringLiteral("USER_CHANGE_PASSWORD_OK"));
     }
@@ -173,7 +178,10 @@ void ControlServer::requestDeviceReset(Session &session, const Command &command)
         m_guard.count(session.address(), m_clock()); // anybody may ask, but not without end
     if (account && !account->resetRequested) {
         account->resetRequested = true;
-        store(*account);
+        if (!store(*account)) {
+            session.send(Answers::kNotStored);
+            return;
+        }
         for (Session *other : qAsConst(m_sessions)) {
             if (other->isLoggedIn() && other->account().admin)
                 sendResetRequest(*other, *account);

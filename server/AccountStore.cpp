@@ -238,7 +238,10 @@ bool AccountStore::setRoomOrder(const QStringList &names)
         QSqlQuery query = prepared(QStringLiteral("UPDATE rooms SET position = ? WHERE name = ?"));
         query.addBindValue(position + 1);
         query.addBindValue(order.at(position));
-        query.exec();
+        if (!query.exec()) {
+            m_database.rollback();
+            return false;
+        }
     }
     return m_database.commit();
 }

@@ -1,6 +1,7 @@
 // What administrators do to accounts and people. Each deed leaves a line in the log and reaches the people concerned at
 // once.
 
+#include "server/Answers.h"
 #include "server/Command.h"
 #include "server/ControlServer.h"
 #include "server/Passwords.h"
@@ -8,14 +9,13 @@
 #include "server/UserRecords.h"
 
 #include <QDate>
+#include <QDebug>
 #include <QJsonArray>
 #include <QJsonDocument>
 
-namespace {
+using namespace Answers;
 
-const QString kUnknownUser = QStringLiteral("ERROR|User tidak ditemukan");
-const QString kNotOnline = QStringLiteral("ERROR|User tidak online");
-const QString kUnknownRoom = QStringLiteral("ERROR|Room tidak ditemukan");
+namespace {
 
 constexpr int kOwnFormArguments = 11;
 constexpr int kAdminFormArguments = 12;
@@ -79,11 +79,17 @@ QString byAdmin(const Session &admin)
 
 } // namespace
 
-/// Writes the account and lets the one who is logged in with it go on with what it now says.
-void ControlServer::store(const Account &account)
+bool ControlServer::write(const Account &account)
 {
-    if (!m_store->update(account))
-        qWarning("an account could not be written to the database");
+    const bool isWritten = m_store->update(account);
+    if (!isWritten)
+        qWarning().noquote() << account.callsign << "could not be written to the database";
+    return isWritten;
+}
+
+/// Lets the one who is logged in with the account go on with what it now says.
+void ControlServer::apply(const Account &account)
+{
     Session *session = sessionOf(account.id);
     if (!session)
         return;
@@ -94,6 +100,15 @@ void ControlServer::store(const Account &account)
     if (room->talker == session && (!account.approved || account.muted))
         releaseTalk(*room);
     sendUserList(*room);
+}
+
+/// False when the database does not take it: then nothing has changed, and whoever asked is to be told so.
+bool ControlServer::store(const Account &account)
+{
+    if (!write(account))
+        return false;
+    apply(account);
+    return true;
 }
 
 void ControlServer::allUsers(Session &session, const Command &command)
@@ -138,7 +153,10 @@ void ControlServer::setApproved(Session &session, const Command &command, bool a
     account->approved = approved;
     if (approved && account->status == QLatin1String("pending"))
         account->status = QStringLiteral("active");
-    store(*account);
+    if (!store(*account)) {
+        session.send(kNotStored);
+        return;
+    }
     audit(session,
           (approved ? QStringLiteral("approved ") : QStringLiteral("took back the approval of ")) + account->callsign);
     session.send(approved ? QStringLiteral("ADMIN_APPROVE_USER_OK") : QStringLiteral("ADMIN_UNAPPROVE_USER_OK"));
@@ -186,7 +204,10 @@ void ControlServer::ban(Session &session, const Command &command)
         return;
     account->status = QStringLiteral("banned");
     account->approved = false;
-    store(*account);
+    if (!store(*account)) {
+        session.send(kNotStored);
+        return;
+    }
     audit(session, QStringLiteral("banned ") + account->callsign);
     session.send(QStringLiteral("ADMIN_BAN_OK"));
     if (Session *target = sessionOf(account->id))
@@ -202,10 +223,14 @@ void ControlServer::mute(Session &session, const Command &command)
         return;
     }
     account->muted = command.number(1) == 1;
+    if (!write(*account)) {
+        session.send(kNotStored);
+        return;
+    }
     audit(session, (account->muted ? QStringLiteral("muted ") : QStringLiteral("unmuted ")) + account->callsign);
     if (Session *target = sessionOf(account->id))
         target->send(QStringLiteral("MUTED|%1|%2").arg(QString::number(account->muted ? 1 : 0), byAdmin(session)));
-    store(*account);
+    apply(*account);
 }
 
 void ControlServer::move(Session &session, const Command &command)
@@ -257,7 +282,10 @@ void ControlServer::updateUser(Session &session, const Command &command)
 
 void ControlServer::finishUpdate(Session &session, const Account &account)
 {
-    store(account);
+    if (!store(account)) {
+        session.send(kNotStored);
+        return;
+    }
     audit(session, QStringLiteral("edited ") + account.callsign);
     session.send(QStringLiteral("ADMIN_UPDATE_USER_OK"));
     if (Session *target = isLoginStatus(account.status) ? nullptr : sessionOf(account.id)) {
@@ -279,7 +307,10 @@ void ControlServer::resetDevice(Session &session, const Command &command)
     }
     account->hwid.clear();
     account->resetRequested = false;
-    store(*account);
+    if (!store(*account)) {
+        session.send(kNotStored);
+        return;
+    }
     audit(session, QStringLiteral("reset the device of ") + account->callsign);
     session.send(QStringLiteral("ADMIN_RESET_HWID_OK|") + account->callsign);
 }
@@ -313,7 +344,10 @@ void ControlServer::resetPassword(Session &session, const Command &command)
         return;
     }
     account->passwordHash = hash;
-    store(*account);
+    if (!store(*account)) {
+        session.send(kNotStored);
+        return;
+    }
     audit(session, QStringLiteral("reset the password of ") + account->callsign);
     session.send(QStringLiteral("ADMIN_RESET_PASSWORD_OK|") + account->callsign);
 }
@@ -324,7 +358,7 @@ void ControlServer::deleteUser(Session &session, const Command &command)
     if (account && isOwnAccount(session, *account))
         return;
     if (!account || !m_store->remove(account->id)) {
-        session.send(kUnknownUser);
+        session.send(account ? kNotStored : kUnknownUser);
         return;
     }
     audit(session, QStringLiteral("deleted ") + account->callsign);

@@ -1,5 +1,6 @@
 #include "server/ControlServer.h"
 
+#include "server/Answers.h"
 #include "server/AudioPresets.h"
 #include "server/Command.h"
 #include "server/ListenAddress.h"
@@ -87,7 +88,7 @@ void ControlServer::onLine(Session &session, const QString &line)
     else if (row.access != Access::Anyone && !session.isLoggedIn())
         session.send(QStringLiteral("ERROR|Belum login"));
     else if (row.access == Access::Admin && !session.account().admin)
-        session.send(QStringLiteral("ERROR|Hanya untuk administrator"));
+        session.send(Answers::kAdminsOnly);
     else
         (this->*row.handler)(session, command);
 }

@@ -126,7 +126,9 @@ private:
     void sendResetRequest(Session &admin, const Account &account);
     void sendResetRequests(Session &admin);
     [[nodiscard]] bool isOwnAccount(Session &session, const Account &account);
-    void store(const Account &account);
+    [[nodiscard]] bool write(const Account &account);
+    void apply(const Account &account);
+    [[nodiscard]] bool store(const Account &account);
 
     // RoomAdminCommands.cpp
     void setQuality(Session &session, const Command &command);

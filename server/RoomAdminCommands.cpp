@@ -1,5 +1,6 @@
 // What administrators do to the rooms and to the audio quality of all.
 
+#include "server/Answers.h"
 #include "server/AudioPresets.h"
 #include "server/Command.h"
 #include "server/ControlServer.h"
@@ -7,9 +8,10 @@
 
 #include <algorithm>
 
+using namespace Answers;
+
 namespace {
 
-const QString kUnknownRoom = QStringLiteral("ERROR|Room tidak ditemukan");
 constexpr int kMostMembers = 10000;
 
 } // namespace
@@ -17,8 +19,9 @@ constexpr int kMostMembers = 10000;
 void ControlServer::setQuality(Session &session, const Command &command)
 {
     const QString preset = command.argument(0);
-    if (!AudioPresets::contains(preset) || !m_store->setSetting(QStringLiteral("audio_preset"), preset)) {
-        session.send(QStringLiteral("ERROR|Preset tidak dikenal"));
+    const bool isKnown = AudioPresets::contains(preset);
+    if (!isKnown || !m_store->setSetting(QStringLiteral("audio_preset"), preset)) {
+        session.send(isKnown ? kNotStored : QStringLiteral("ERROR|Preset tidak dikenal"));
         return;
     }
     audit(session, QStringLiteral("set the audio quality to ") + preset);
@@ -34,9 +37,12 @@ void ControlServer::createRoom(Session &session, const Command &command)
 {
     const QString name = cleanText(command.argument(0));
     const int maximum = std::clamp(command.number(1), 0, kMostMembers);
-    if (name.isEmpty() || !m_store->addRoom({name, maximum})) {
-        session.send(name.isEmpty() ? QStringLiteral("ERROR|Nama room tidak boleh kosong")
-                                    : QStringLiteral("ERROR|Room sudah ada"));
+    if (name.isEmpty()) {
+        session.send(QStringLiteral("ERROR|Nama room tidak boleh kosong"));
+        return;
+    }
+    if (findRoom(name) || !m_store->addRoom({name, maximum})) {
+        session.send(findRoom(name) ? QStringLiteral("ERROR|Room sudah ada") : kNotStored);
         return;
     }
     loadRooms();
@@ -51,9 +57,13 @@ void ControlServer::editRoom(Session &session, const Command &command)
     Room *room = findRoom(command.argument(0));
     const QString name = cleanText(command.argument(1));
     const int maximum = std::clamp(command.number(2), 0, kMostMembers);
-    if (!room || name.isEmpty() || (name != room->name && findRoom(name)) ||
-        !m_store->editRoom(room->name, {name, maximum})) {
-        session.send(room ? QStringLiteral("ERROR|Nama room tidak dapat dipakai") : kUnknownRoom);
+    if (!room) {
+        session.send(kUnknownRoom);
+        return;
+    }
+    const bool isFree = !name.isEmpty() && (name == room->name || !findRoom(name));
+    if (!isFree || !m_store->editRoom(room->name, {name, maximum})) {
+        session.send(isFree ? kNotStored : QStringLiteral("ERROR|Nama room tidak dapat dipakai"));
         return;
     }
     const QVector<Session *> members = room->members;
@@ -76,7 +86,7 @@ void ControlServer::deleteRoom(Session &session, const Command &command)
 {
     Room *room = findRoom(command.argument(0));
     if (!room || !m_store->removeRoom(room->name)) {
-        session.send(kUnknownRoom);
+        session.send(room ? kNotStored : kUnknownRoom);
         return;
     }
     const Room deleted = *room;
