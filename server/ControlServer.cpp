@@ -153,16 +153,25 @@ void ControlServer::sendServerInfo()
             ++gateways;
     }
     const AudioPreset &preset = AudioPresets::find(m_store->setting(QStringLiteral("audio_preset")));
-    const QJsonObject info{{QStringLiteral("total_rooms"), int(m_rooms.size())},
-                           {QStringLiteral("online_users"), online},
-                           {QStringLiteral("online_admins"), admins},
-                           {QStringLiteral("online_gateways"), gateways},
-                           {QStringLiteral("encryption"), QStringLiteral("XSalsa20-Poly1305")},
-                           {QStringLiteral("audio_codec"), QStringLiteral("Opus")},
-                           {QStringLiteral("audio_preset"), preset.name},
-                           {QStringLiteral("audio_bitrate"), preset.bitrate},
-                           {QStringLiteral("audio_sample_rate"), preset.sampleRate}};
-    sendToAll(QStringLiteral("SERVER_INFO|") + QString::fromUtf8(QJsonDocument(info).toJson(QJsonDocument::Compact)));
+    QJsonObject info{{QStringLiteral("total_rooms"), int(m_rooms.size())},
+                     {QStringLiteral("online_users"), online},
+                     {QStringLiteral("online_admins"), admins},
+                     {QStringLiteral("online_gateways"), gateways},
+                     {QStringLiteral("encryption"), QStringLiteral("XSalsa20-Poly1305")},
+                     {QStringLiteral("audio_codec"), QStringLiteral("Opus")},
+                     {QStringLiteral("audio_preset"), preset.name},
+                     {QStringLiteral("audio_bitrate"), preset.bitrate},
+                     {QStringLiteral("audio_sample_rate"), preset.sampleRate}};
+    const auto line = [](const QJsonObject &facts) {
+        return QStringLiteral("SERVER_INFO|") + QString::fromUtf8(QJsonDocument(facts).toJson(QJsonDocument::Compact));
+    };
+    const QString forMembers = line(info);
+    info.insert(QStringLiteral("room_limits"), roomLimits()); // no other message carries them
+    const QString forAdmins = line(info);
+    for (Session *session : qAsConst(m_sessions)) {
+        if (session->isLoggedIn())
+            session->send(session->account().admin ? forAdmins : forMembers);
+    }
 }
 
 void ControlServer::sendQuality(Session &session)

@@ -6,6 +6,7 @@
 #include "server/UdpRelay.h"
 
 #include <QHash>
+#include <QJsonObject>
 #include <QList>
 #include <QObject>
 #include <QStringList>
@@ -98,6 +99,7 @@ private:
     void stopTransmission(Session &session, const Command &command);
     [[nodiscard]] Room *findRoom(const QString &name) const;
     [[nodiscard]] QString roomsLine() const;
+    [[nodiscard]] QJsonObject roomLimits() const;
     void loadRooms();
     void admit(Session &session, Room &room);
     void enter(Session &session, Room &room);

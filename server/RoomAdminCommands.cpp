@@ -80,6 +80,7 @@ void ControlServer::editRoom(Session &session, const Command &command)
     loadRooms();
     session.send(QStringLiteral("ADMIN_EDIT_ROOM_OK|") + name);
     sendToAll(roomsLine());
+    sendServerInfo();
 }
 
 void ControlServer::deleteRoom(Session &session, const Command &command)

@@ -52,6 +52,14 @@ QString ControlServer::roomsLine() const
     return QStringLiteral("ROOMS|") + names.join(QLatin1Char(','));
 }
 
+QJsonObject ControlServer::roomLimits() const
+{
+    QJsonObject limits;
+    for (const auto &room : m_rooms)
+        limits.insert(room->name, room->maximum);
+    return limits;
+}
+
 void ControlServer::rooms(Session &session, const Command &command)
 {
     Q_UNUSED(command)
