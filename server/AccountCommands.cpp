@@ -122,6 +122,11 @@ void ControlServer::completeLogin(Session &session, Account account, const QStri
 void ControlServer::getProfile(Session &session, const Command &command)
 {
     Q_UNUSED(command)
+    sendProfile(session);
+}
+
+void ControlServer::sendProfile(Session &session)
+{
     session.send(QStringLiteral("USER_PROFILE|") + compact(userRecord(session.account(), true)));
 }
 

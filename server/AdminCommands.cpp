@@ -43,13 +43,12 @@ bool isDate(const QString &text)
     return text.isEmpty() || (text.size() == 10 && QDate::fromString(text, Qt::ISODate).isValid());
 }
 
-/// Status and rights are told as well, and are not taken from it.
+/// Status, rights and the gateway's name are told as well, and are an administrator's to change.
 void takeOwnForm(const Command &command, Account *account)
 {
     const auto text = [&command](int index) { return cleanText(command.argument(index)); };
     account->name = text(1);
     account->responsibleCallsign = text(2).toUpper();
-    account->gatewayName = text(6);
     account->frequency = text(7);
     account->location = text(8);
     account->email = text(9);
@@ -93,7 +92,10 @@ void ControlServer::apply(const Account &account)
     Session *session = sessionOf(account.id);
     if (!session)
         return;
+    const bool isNews = userRecord(session->account(), true) != userRecord(account, true);
     session->setAccount(account);
+    if (isNews)
+        sendProfile(*session);
     Room *room = session->room();
     if (!room)
         return;

@@ -80,6 +80,7 @@ private:
     [[nodiscard]] QString refusalFor(Account *account, const QString &password, const QString &hwid);
     void completeLogin(Session &session, Account account, const QString &hwid);
     void getProfile(Session &session, const Command &command);
+    void sendProfile(Session &session);
     void getInfo(Session &session, const Command &command);
     void changePassword(Session &session, const Command &command);
     void requestDeviceReset(Session &session, const Command &command);
