@@ -39,6 +39,13 @@ QString expiryWarning(const Account &account)
                : QString();
 }
 
+/// What administrators are told of an account that asks for another device.
+QString resetRequest(const Account &account)
+{
+    return QStringLiteral("ADMIN_NOTIFICATION|HWID_RESET_REQUEST|%1|%2")
+        .arg(account.callsign, QString::number(account.id));
+}
+
 } // namespace
 
 void ControlServer::ping(Session &session, const Command &command)
@@ -114,7 +121,7 @@ void ControlServer::completeLogin(Session &session, Account account, const QStri
                      .join(QLatin1Char('|')));
     if (account.muted)
         session.send(QStringLiteral("MUTED|1|oleh admin"));
-    if (account.admin)
+    if (session.account().admin)
         sendResetRequests(session);
     sendServerInfo();
 }
@@ -187,12 +194,24 @@ void ControlServer::requestDeviceReset(Session &session, const Command &command)
             session.send(Answers::kNotStored);
             return;
         }
-        for (Session *other : qAsConst(m_sessions)) {
-            if (other->isLoggedIn() && other->account().admin)
-                sendResetRequest(*other, *account);
-        }
+        sendToAdmins(resetRequest(*account));
     }
     session.send(QStringLiteral("USER_REQUEST_HWID_RESET_OK"));
+}
+
+/// Those that came while no administrator was there.
+void ControlServer::sendResetRequests(Session &admin)
+{
+    for (const Account &account : m_store->accounts()) {
+        if (account.resetRequested)
+            admin.send(resetRequest(account));
+    }
+}
+
+/// Granted by one administrator, or void: the others need not decide any more.
+void ControlServer::withdrawResetRequest(const Account &account)
+{
+    sendToAdmins(QStringLiteral("ADMIN_RESET_HWID_OK|") + account.callsign);
 }
 
 void ControlServer::getQuality(Session &session, const Command &command)

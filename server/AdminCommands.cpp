@@ -314,22 +314,7 @@ void ControlServer::resetDevice(Session &session, const Command &command)
         return;
     }
     audit(session, QStringLiteral("reset the device of ") + account->callsign);
-    session.send(QStringLiteral("ADMIN_RESET_HWID_OK|") + account->callsign);
-}
-
-void ControlServer::sendResetRequest(Session &admin, const Account &account)
-{
-    admin.send(QStringLiteral("ADMIN_NOTIFICATION|HWID_RESET_REQUEST|%1|%2")
-                   .arg(account.callsign, QString::number(account.id)));
-}
-
-/// Those that came while no administrator was there.
-void ControlServer::sendResetRequests(Session &admin)
-{
-    for (const Account &account : m_store->accounts()) {
-        if (account.resetRequested)
-            sendResetRequest(admin, account);
-    }
+    withdrawResetRequest(*account); // the answer to this administrator is the word to the others
 }
 
 void ControlServer::resetPassword(Session &session, const Command &command)
@@ -365,6 +350,8 @@ void ControlServer::deleteUser(Session &session, const Command &command)
     }
     audit(session, QStringLiteral("deleted ") + account->callsign);
     session.send(QStringLiteral("ADMIN_DELETE_USER_OK"));
+    if (account->resetRequested)
+        withdrawResetRequest(*account);
     if (Session *target = sessionOf(account->id))
         removeFromRoom(*target, QStringLiteral("KICKED|Akun dihapus ") + byAdmin(session));
 }

@@ -138,6 +138,14 @@ void ControlServer::sendToAll(const QString &line)
     }
 }
 
+void ControlServer::sendToAdmins(const QString &line)
+{
+    for (Session *session : qAsConst(m_sessions)) {
+        if (session->isLoggedIn() && session->account().admin)
+            session->send(line);
+    }
+}
+
 void ControlServer::sendServerInfo()
 {
     int online = 0;

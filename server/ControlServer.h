@@ -69,6 +69,7 @@ private:
     [[nodiscard]] Session *sessionOf(const QString &callsign) const;
     void signOff(Session &session);
     void sendToAll(const QString &line);
+    void sendToAdmins(const QString &line);
     void sendServerInfo();
     void sendQuality(Session &session);
     void audit(const Session &session, const QString &text) const;
@@ -84,6 +85,8 @@ private:
     void getInfo(Session &session, const Command &command);
     void changePassword(Session &session, const Command &command);
     void requestDeviceReset(Session &session, const Command &command);
+    void sendResetRequests(Session &admin);
+    void withdrawResetRequest(const Account &account);
     void getQuality(Session &session, const Command &command);
     void onlineUsers(Session &session, const Command &command);
 
@@ -126,8 +129,6 @@ private:
     void resetPassword(Session &session, const Command &command);
     void deleteUser(Session &session, const Command &command);
     void removeFromRoom(Session &target, const QString &line);
-    void sendResetRequest(Session &admin, const Account &account);
-    void sendResetRequests(Session &admin);
     [[nodiscard]] bool isOwnAccount(Session &session, const Account &account);
     [[nodiscard]] bool write(const Account &account);
     void apply(const Account &account);
