@@ -39,6 +39,12 @@ QString expiryWarning(const Account &account)
                : QString();
 }
 
+/// Whether it takes over from the device that an administrator has freed the account from.
+bool isNewDevice(const Account &account, const QString &hwid, const Session &active)
+{
+    return account.hwid.isEmpty() && !hwid.isEmpty() && !active.hwid().isEmpty();
+}
+
 /// What administrators are told of an account that asks for another device.
 QString resetRequest(const Account &account)
 {
@@ -93,15 +99,17 @@ QString ControlServer::refusalFor(Account *account, const QString &password, con
     if (!account->hwid.isEmpty() && account->hwid != hwid)
         return QStringLiteral("Perangkat ini tidak terdaftar untuk akun Anda");
     const Session *active = sessionOf(account->id);
-    if (active && active->hwid() != hwid)
+    if (active && active->hwid() != hwid && !isNewDevice(*account, hwid, *active))
         return QStringLiteral("Akun sedang digunakan di perangkat lain");
     return {};
 }
 
 void ControlServer::completeLogin(Session &session, Account account, const QString &hwid)
 {
-    // The same device again: its old connection died unnoticed.
-    if (Session *old = sessionOf(account.id)) {
+    Session *old = sessionOf(account.id);
+    if (old && old->hwid() != hwid) {
+        removeFromRoom(*old, QStringLiteral("KICKED|Akun dipakai di perangkat baru"));
+    } else if (old) { // the same device again: its old connection died unnoticed
         showOut(*old);
         signOff(*old);
         old->close();
