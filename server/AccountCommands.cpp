@@ -5,38 +5,23 @@
 #include "server/Command.h"
 #include "server/ControlServer.h"
 #include "server/Passwords.h"
+#include "server/Permit.h"
 #include "server/Session.h"
 #include "server/UserRecords.h"
 
-#include <QDate>
 #include <QDateTime>
+#include <QDebug>
 #include <QJsonDocument>
 
 namespace {
 
 constexpr int kTokenBytes = 24;
-constexpr int kExpiryWarningDays = 30;
 constexpr int kShortestPassword = 6;
 constexpr int kLongestHwid = 128;
 
 QString compact(const QJsonObject &object)
 {
     return QString::fromUtf8(QJsonDocument(object).toJson(QJsonDocument::Compact));
-}
-
-bool isExpired(const Account &account)
-{
-    const QDate expiry = QDate::fromString(account.expiry, Qt::ISODate);
-    return expiry.isValid() && expiry < QDate::currentDate();
-}
-
-QString expiryWarning(const Account &account)
-{
-    const QDate expiry = QDate::fromString(account.expiry, Qt::ISODate);
-    const qint64 days = QDate::currentDate().daysTo(expiry);
-    return expiry.isValid() && days <= kExpiryWarningDays
-               ? QStringLiteral("Izin radio berakhir %1 (%2 hari lagi)").arg(account.expiry).arg(days)
-               : QString();
 }
 
 /// Whether it takes over from the device that an administrator has freed the account from.
@@ -94,7 +79,9 @@ QString ControlServer::refusalFor(Account *account, const QString &password, con
         return QStringLiteral("Password salah");
     if (account->status == QLatin1String("banned"))
         return QStringLiteral("Akun dibanned");
-    if (account->status == QLatin1String("suspended") || isExpired(*account))
+    if (account->mayLogIn() && Permit::hasEnded(*account, m_today()))
+        static_cast<void>(suspend(*account)); // refused either way
+    if (account->status == QLatin1String("suspended") || Permit::hasEnded(*account, m_today()))
         return QStringLiteral("Akun disuspend");
     if (!account->hwid.isEmpty() && account->hwid != hwid)
         return QStringLiteral("Perangkat ini tidak terdaftar untuk akun Anda");
@@ -125,13 +112,39 @@ void ControlServer::completeLogin(Session &session, Account account, const QStri
     audit(session, QStringLiteral("logged in"));
     session.send(QStringList{QStringLiteral("LOGIN_OK"), QString::fromLatin1(token), account.callsign,
                              account.admin ? QStringLiteral("True") : QStringLiteral("False"),
-                             QString::number(account.id), account.name, expiryWarning(account)}
+                             QString::number(account.id), account.name, Permit::warning(account, m_today())}
                      .join(QLatin1Char('|')));
     if (account.muted)
         session.send(QStringLiteral("MUTED|1|oleh admin"));
     if (session.account().admin)
         sendResetRequests(session);
     sendServerInfo();
+}
+
+void ControlServer::watchPermits()
+{
+    const QDate today = m_today();
+    if (today == m_permitsSeen)
+        return;
+    bool areAllWritten = true;
+    for (const Account &account : m_store->accounts()) {
+        if (account.mayLogIn() && Permit::hasEnded(account, today))
+            areAllWritten = suspend(account) && areAllWritten;
+    }
+    if (areAllWritten)
+        m_permitsSeen = today;
+}
+
+/// The permit has ended; whoever is on the air with it is turned out. False when the database does not take it.
+bool ControlServer::suspend(Account account)
+{
+    account.status = QStringLiteral("suspended");
+    if (!store(account))
+        return false;
+    qInfo().noquote() << account.callsign << "suspended, the permit ended on" << account.expiry;
+    if (Session *session = sessionOf(account.id))
+        removeFromRoom(*session, QStringLiteral("KICKED|Akun disuspend, izin radio berakhir ") + account.expiry);
+    return true;
 }
 
 void ControlServer::getProfile(Session &session, const Command &command)

@@ -74,6 +74,11 @@ Account fromRow(const QSqlQuery &query)
 
 } // namespace
 
+bool Account::mayLogIn() const
+{
+    return status == QLatin1String("active") || status == QLatin1String("pending");
+}
+
 AccountStore::AccountStore()
     : m_connection(QUuid::createUuid().toString())
 {

@@ -5,6 +5,7 @@
 #include "server/Command.h"
 #include "server/ControlServer.h"
 #include "server/Passwords.h"
+#include "server/Permit.h"
 #include "server/Session.h"
 #include "server/UserRecords.h"
 
@@ -27,15 +28,10 @@ bool isStatus(const QString &status)
         .contains(status);
 }
 
-bool isLoginStatus(const QString &status)
-{
-    return status == QLatin1String("active") || status == QLatin1String("pending");
-}
-
 /// Somebody who was turned out does not wait for an approval.
 bool isWaiting(const Account &account)
 {
-    return !account.approved && isLoginStatus(account.status);
+    return !account.approved && account.mayLogIn();
 }
 
 bool isDate(const QString &text)
@@ -276,7 +272,9 @@ void ControlServer::updateUser(Session &session, const Command &command)
         session.send(QStringLiteral("ERROR|Data user tidak valid"));
     } else {
         takeAdminForm(command, &*account);
-        const bool staysAdmin = account->admin && isLoginStatus(account->status);
+        if (account->mayLogIn() && Permit::hasEnded(*account, m_today()))
+            account->status = QStringLiteral("suspended");
+        const bool staysAdmin = account->admin && account->mayLogIn();
         if (staysAdmin || !isOwnAccount(session, *account))
             finishUpdate(session, *account);
     }
@@ -290,7 +288,7 @@ void ControlServer::finishUpdate(Session &session, const Account &account)
     }
     audit(session, QStringLiteral("edited ") + account.callsign);
     session.send(QStringLiteral("ADMIN_UPDATE_USER_OK"));
-    if (Session *target = isLoginStatus(account.status) ? nullptr : sessionOf(account.id)) {
+    if (Session *target = account.mayLogIn() ? nullptr : sessionOf(account.id)) {
         const bool banned = account.status == QLatin1String("banned");
         removeFromRoom(*target,
                        (banned ? QStringLiteral("BANNED|Dibanned ") : QStringLiteral("KICKED|Akun disuspend ")) +

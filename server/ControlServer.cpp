@@ -17,6 +17,7 @@
 namespace {
 
 constexpr std::chrono::milliseconds kTalkCheck{1000};
+constexpr std::chrono::milliseconds kPermitCheck{60000};
 constexpr int kMostConnections = 2000;
 
 qint64 steadyMilliseconds()
@@ -35,10 +36,13 @@ ControlServer::ControlServer(AccountStore *store, QObject *parent)
     : QObject(parent)
     , m_store(store)
     , m_clock(steadyMilliseconds)
+    , m_today(QDate::currentDate)
 {
     connect(&m_tcp, &QTcpServer::newConnection, this, &ControlServer::onNewConnection);
     connect(&m_talkTimer, &QTimer::timeout, this, &ControlServer::enforceTalkLimit);
     m_talkTimer.start(kTalkCheck);
+    connect(&m_permitTimer, &QTimer::timeout, this, &ControlServer::watchPermits);
+    m_permitTimer.start(kPermitCheck);
 }
 
 ControlServer::~ControlServer()
@@ -56,6 +60,7 @@ bool ControlServer::start(const Options &options, QString *error)
     }
     m_autoApprove = options.autoApprove;
     loadRooms();
+    watchPermits(); // days may have passed
     if (!m_tcp.listen(listenAddress(options.address), options.port)) {
         *error = m_tcp.errorString();
         return false;

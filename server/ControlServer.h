@@ -5,6 +5,7 @@
 #include "server/Room.h"
 #include "server/UdpRelay.h"
 
+#include <QDate>
 #include <QHash>
 #include <QJsonObject>
 #include <QList>
@@ -48,6 +49,10 @@ public:
     [[nodiscard]] quint16 udpPort() const { return m_relay.port(); }
     /// A steady clock in milliseconds, for tests.
     void setClock(std::function<qint64()> clock) { m_clock = std::move(clock); }
+    /// The calendar, for tests; before start().
+    void setToday(std::function<QDate()> today) { m_today = std::move(today); }
+    /// Suspends the accounts whose permit has ended, once on each day; runs by itself every minute.
+    void watchPermits();
     /// Ends overs that last too long; runs by itself every second.
     void enforceTalkLimit();
 
@@ -79,6 +84,7 @@ private:
     void quit(Session &session, const Command &command);
     void login(Session &session, const Command &command);
     [[nodiscard]] QString refusalFor(Account *account, const QString &password, const QString &hwid);
+    [[nodiscard]] bool suspend(Account account);
     void completeLogin(Session &session, Account account, const QString &hwid);
     void getProfile(Session &session, const Command &command);
     void sendProfile(Session &session);
@@ -149,7 +155,10 @@ private:
     LoginGuard m_registrationGuard;
     bool m_autoApprove = false;
     std::function<qint64()> m_clock;
+    std::function<QDate()> m_today;
+    QDate m_permitsSeen; ///< the day on which all were looked at
     QTimer m_talkTimer;
+    QTimer m_permitTimer;
     QList<Session *> m_sessions;
     std::vector<std::unique_ptr<Room>> m_rooms; ///< in their order
 };

@@ -112,6 +112,7 @@ void ServerRig::start()
         QTest::qFail(qPrintable(error), __FILE__, __LINE__);
     m_server = std::make_unique<ControlServer>(m_store.get());
     m_server->setClock([this] { return now; });
+    m_server->setToday([this] { return today; });
     ControlServer::Options options;
     options.address = QStringLiteral("127.0.0.1");
     options.port = 0;

@@ -2,6 +2,7 @@
 
 #include "server/ControlServer.h"
 
+#include <QDate>
 #include <QStringList>
 #include <QTcpSocket>
 #include <QTemporaryDir>
@@ -61,6 +62,7 @@ public:
     void execute(const QString &sql);
 
     qint64 now = 1000; ///< the server's clock, in milliseconds
+    QDate today = QDate::currentDate();
 
 private:
     void start();
