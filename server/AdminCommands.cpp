@@ -42,9 +42,10 @@ bool isDate(const QString &text)
 /// Status, rights and the gateway's name are told as well, and are an administrator's to change.
 void takeOwnForm(const Command &command, Account *account)
 {
+    const auto name = [&command](int index) { return cleanName(command.argument(index)); };
     const auto text = [&command](int index) { return cleanText(command.argument(index)); };
-    account->name = text(1);
-    account->responsibleCallsign = text(2).toUpper();
+    account->name = name(1);
+    account->responsibleCallsign = name(2).toUpper();
     account->frequency = text(7);
     account->location = text(8);
     account->email = text(9);
@@ -53,11 +54,12 @@ void takeOwnForm(const Command &command, Account *account)
 
 void takeAdminForm(const Command &command, Account *account)
 {
+    const auto name = [&command](int index) { return cleanName(command.argument(index)); };
     const auto text = [&command](int index) { return cleanText(command.argument(index)); };
-    account->name = text(1);
-    account->responsibleCallsign = text(2).toUpper();
+    account->name = name(1);
+    account->responsibleCallsign = name(2).toUpper();
     account->status = command.argument(3);
-    account->gatewayName = text(4);
+    account->gatewayName = name(4);
     account->frequency = text(5);
     account->location = text(6);
     account->email = text(7);

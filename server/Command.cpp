@@ -33,12 +33,25 @@ QString Command::rest(int index) const
     return index < m_starts.size() ? m_line.mid(m_starts.at(index)).trimmed() : QString();
 }
 
-QString cleanText(const QString &text, int maximumLength)
+namespace {
+
+QString without(const QString &separators, QString text)
 {
-    QString clean = text.left(maximumLength);
-    for (QChar &character : clean) {
-        if (character.category() == QChar::Other_Control || QStringLiteral("|,;\"").contains(character))
+    for (QChar &character : text) {
+        if (character.category() == QChar::Other_Control || separators.contains(character))
             character = QLatin1Char(' ');
     }
-    return clean.simplified();
+    return text.simplified();
+}
+
+} // namespace
+
+QString cleanText(const QString &text, int maximumLength)
+{
+    return without(QStringLiteral("|\""), text.left(maximumLength));
+}
+
+QString cleanName(const QString &text, int maximumLength)
+{
+    return without(QStringLiteral("|,;\""), text.left(maximumLength));
 }

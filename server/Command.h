@@ -26,6 +26,9 @@ private:
     QList<int> m_starts; ///< where each argument begins in the line
 };
 
-/// A text from outside, fit for the lists that are separated by "|", "," and ";": separators, quotes and control
-/// characters become blanks, and it is cut to the length.
+/// A text from outside, fit for one field of a line: "|", quotes and control characters become blanks, and it is cut to
+/// the length.
 [[nodiscard]] QString cleanText(const QString &text, int maximumLength = 200);
+/// What is fit as well for the lists that are separated by "," and ";": callsigns and the names of people, gateways and
+/// rooms.
+[[nodiscard]] QString cleanName(const QString &text, int maximumLength = 200);

@@ -54,7 +54,7 @@ ControlServer::~ControlServer()
 bool ControlServer::start(const Options &options, QString *error)
 {
     for (const QString &name : options.rooms) {
-        const QString clean = cleanText(name);
+        const QString clean = cleanName(name);
         if (!clean.isEmpty())
             static_cast<void>(m_store->addRoom({clean, 0})); // one that is there stays as it is
     }

@@ -18,7 +18,7 @@ void ControlServer::registerGateway(Session &session, const Command &command)
         session.send(QStringLiteral("REGISTER_FAILED|") + refusal);
         return;
     }
-    audit(session, QStringLiteral("registered ") + cleanText(command.argument(1)).toUpper());
+    audit(session, QStringLiteral("registered ") + cleanName(command.argument(1)).toUpper());
     session.send(m_autoApprove ? QStringLiteral("REGISTER_OK|Pendaftaran berhasil, akun langsung aktif")
                                : QStringLiteral("REGISTER_OK|Pendaftaran berhasil, menunggu persetujuan admin"));
 }

@@ -35,7 +35,7 @@ void ControlServer::setQuality(Session &session, const Command &command)
 
 void ControlServer::createRoom(Session &session, const Command &command)
 {
-    const QString name = cleanText(command.argument(0));
+    const QString name = cleanName(command.argument(0));
     const int maximum = std::clamp(command.number(1), 0, kMostMembers);
     if (name.isEmpty()) {
         session.send(QStringLiteral("ERROR|Nama room tidak boleh kosong"));
@@ -55,7 +55,7 @@ void ControlServer::createRoom(Session &session, const Command &command)
 void ControlServer::editRoom(Session &session, const Command &command)
 {
     Room *room = findRoom(command.argument(0));
-    const QString name = cleanText(command.argument(1));
+    const QString name = cleanName(command.argument(1));
     const int maximum = std::clamp(command.number(2), 0, kMostMembers);
     if (!room) {
         session.send(kUnknownRoom);

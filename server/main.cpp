@@ -37,10 +37,10 @@ QString passwordFrom(const QCommandLineParser &parser)
 int addUser(AccountStore *store, const QString &callsign, const QCommandLineParser &parser)
 {
     Account account;
-    account.callsign = cleanText(callsign).toUpper();
-    account.gatewayName = cleanText(parser.value(QStringLiteral("gateway")));
+    account.callsign = cleanName(callsign).toUpper();
+    account.gatewayName = cleanName(parser.value(QStringLiteral("gateway")));
     account.name =
-        cleanText(parser.isSet(QStringLiteral("name")) ? parser.value(QStringLiteral("name")) : account.callsign);
+        cleanName(parser.isSet(QStringLiteral("name")) ? parser.value(QStringLiteral("name")) : account.callsign);
     account.approved = true; // whoever runs this has decided
     account.passwordHash = Passwords::hash(passwordFrom(parser));
     if (account.callsign.isEmpty() || account.callsign.contains(QLatin1Char(' ')))
