@@ -53,19 +53,30 @@ ControlServer::~ControlServer()
 
 bool ControlServer::start(const Options &options, QString *error)
 {
-    for (const QString &name : options.rooms) {
-        const QString clean = cleanName(name);
-        if (!clean.isEmpty())
-            static_cast<void>(m_store->addRoom({clean, 0})); // one that is there stays as it is
+    loadRooms();
+    if (m_rooms.empty() && !makeRooms(options.rooms)) {
+        *error = QStringLiteral("the rooms could not be written to the database");
+        return false;
     }
     m_autoApprove = options.autoApprove;
-    loadRooms();
     watchPermits(); // days may have passed
     if (!m_tcp.listen(listenAddress(options.address), options.port)) {
         *error = m_tcp.errorString();
         return false;
     }
     return m_relay.open(options.address, options.udpPort, error);
+}
+
+/// Only the first time: what administrators make of the rooms afterwards outlives a restart.
+bool ControlServer::makeRooms(const QStringList &names)
+{
+    for (const QString &name : names) {
+        const QString clean = cleanName(name);
+        if (!clean.isEmpty() && !findRoom(clean) && !m_store->addRoom({clean, 0}))
+            return false;
+        loadRooms();
+    }
+    return true;
 }
 
 void ControlServer::onNewConnection()

@@ -33,7 +33,7 @@ public:
         QString address = QStringLiteral("::"); ///< a literal address to listen on
         quint16 port = 8080;                    ///< TCP; 0: any
         quint16 udpPort = 8082;                 ///< 0: any
-        QStringList rooms;                      ///< made where missing
+        QStringList rooms;                      ///< made in a database that has none
         bool autoApprove = false;               ///< gateways that register may transmit at once
     };
     /// How long one talker may hold a room.
@@ -67,6 +67,7 @@ private:
     [[nodiscard]] static const QHash<QString, Row> &commandTable(); // CommandTable.cpp
 
     // ControlServer.cpp
+    [[nodiscard]] bool makeRooms(const QStringList &names);
     void onNewConnection();
     void onLine(Session &session, const QString &line);
     void onClosed(Session *session);
