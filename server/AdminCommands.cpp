@@ -52,6 +52,12 @@ void takeOwnForm(const Command &command, Account *account)
     account->whatsapp = text(10);
 }
 
+bool isAdminForm(const Command &command)
+{
+    return command.count() == kAdminFormArguments && isStatus(command.argument(3)) && command.numberWithin(9, 0, 1) &&
+           command.numberWithin(10, 0, 1) && isDate(command.argument(11));
+}
+
 void takeAdminForm(const Command &command, Account *account)
 {
     const auto name = [&command](int index) { return cleanName(command.argument(index)); };
@@ -64,7 +70,8 @@ void takeAdminForm(const Command &command, Account *account)
     account->location = text(6);
     account->email = text(7);
     account->whatsapp = text(8);
-    account->approved = command.number(9) == 1;
+    // "pending" is an account that may listen and not transmit.
+    account->approved = command.number(9) == 1 && account->status != QLatin1String("pending");
     account->admin = command.number(10) == 1;
     account->expiry = command.argument(11);
 }
@@ -222,7 +229,12 @@ void ControlServer::mute(Session &session, const Command &command)
         session.send(kUnknownUser);
         return;
     }
-    account->muted = command.number(1) == 1;
+    const auto muted = command.numberWithin(1, 0, 1);
+    if (!muted) {
+        session.send(QStringLiteral("ERROR|Nilai mute harus 0 atau 1"));
+        return;
+    }
+    account->muted = *muted == 1;
     if (!write(*account)) {
         session.send(kNotStored);
         return;
@@ -236,7 +248,7 @@ void ControlServer::mute(Session &session, const Command &command)
 void ControlServer::move(Session &session, const Command &command)
 {
     Session *target = sessionOf(command.number(0));
-    Room *room = findRoom(command.rest(1));
+    Room *room = findRoom(command.roomName(1));
     if (!target || !room) {
         session.send(target ? kUnknownRoom : kNotOnline);
         return;
@@ -262,15 +274,15 @@ void ControlServer::updateUser(Session &session, const Command &command)
 {
     auto account = m_store->account(command.number(0));
     const bool ownForm = command.count() == kOwnFormArguments;
-    if (!account) {
+    const bool isOwn = account && account->id == session.account().id;
+    if (!session.account().admin && (!isOwn || !ownForm)) {
+        session.send(kAdminsOnly); // to a member also of an id that nobody has
+    } else if (!account) {
         session.send(kUnknownUser);
-    } else if (!session.account().admin && (account->id != session.account().id || !ownForm)) {
-        session.send(QStringLiteral("ERROR|Hanya untuk administrator"));
     } else if (ownForm) {
         takeOwnForm(command, &*account);
         finishUpdate(session, *account);
-    } else if (command.count() != kAdminFormArguments || !isStatus(command.argument(3)) ||
-               !isDate(command.argument(11))) {
+    } else if (!isAdminForm(command)) {
         session.send(QStringLiteral("ERROR|Data user tidak valid"));
     } else {
         takeAdminForm(command, &*account);

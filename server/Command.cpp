@@ -28,6 +28,19 @@ Command::Command(const QString &line)
     m_starts = starts;
 }
 
+std::optional<int> Command::numberWithin(int index, int least, int most) const
+{
+    bool isNumber = false;
+    const int number = argument(index).toInt(&isNumber);
+    return isNumber && number >= least && number <= most ? std::optional(number) : std::nullopt;
+}
+
+QString Command::roomName(int index) const
+{
+    const QString name = rest(index);
+    return name.startsWith(QLatin1Char('"')) ? argument(index) : name;
+}
+
 QString Command::rest(int index) const
 {
     return index < m_starts.size() ? m_line.mid(m_starts.at(index)).trimmed() : QString();

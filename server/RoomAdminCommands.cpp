@@ -13,6 +13,7 @@ using namespace Answers;
 namespace {
 
 constexpr int kMostMembers = 10000;
+const QString kWrongMaximum = QStringLiteral("ERROR|Jumlah maksimum harus 0 sampai %1").arg(kMostMembers);
 
 } // namespace
 
@@ -36,12 +37,12 @@ void ControlServer::setQuality(Session &session, const Command &command)
 void ControlServer::createRoom(Session &session, const Command &command)
 {
     const QString name = cleanName(command.argument(0));
-    const int maximum = std::clamp(command.number(1), 0, kMostMembers);
-    if (name.isEmpty()) {
-        session.send(QStringLiteral("ERROR|Nama room tidak boleh kosong"));
+    const auto maximum = command.numberWithin(1, 0, kMostMembers);
+    if (name.isEmpty() || !maximum) {
+        session.send(name.isEmpty() ? QStringLiteral("ERROR|Nama room tidak boleh kosong") : kWrongMaximum);
         return;
     }
-    if (findRoom(name) || !m_store->addRoom({name, maximum})) {
+    if (findRoom(name) || !m_store->addRoom({name, *maximum})) {
         session.send(findRoom(name) ? QStringLiteral("ERROR|Room sudah ada") : kNotStored);
         return;
     }
@@ -56,18 +57,19 @@ void ControlServer::editRoom(Session &session, const Command &command)
 {
     Room *room = findRoom(command.argument(0));
     const QString name = cleanName(command.argument(1));
-    const int maximum = std::clamp(command.number(2), 0, kMostMembers);
-    if (!room) {
-        session.send(kUnknownRoom);
+    const auto maximum = command.numberWithin(2, 0, kMostMembers);
+    if (!room || !maximum) {
+        session.send(room ? kWrongMaximum : kUnknownRoom);
         return;
     }
     const bool isFree = !name.isEmpty() && (name == room->name || !findRoom(name));
-    if (!isFree || !m_store->editRoom(room->name, {name, maximum})) {
+    if (!isFree || !m_store->editRoom(room->name, {name, *maximum})) {
         session.send(isFree ? kNotStored : QStringLiteral("ERROR|Nama room tidak dapat dipakai"));
         return;
     }
     const QVector<Session *> members = room->members;
-    audit(session, QStringLiteral("edited the room ") + name);
+    audit(session,
+          QStringLiteral("edited the room %1: %2, at most %3").arg(room->name, name, QString::number(*maximum)));
     if (name != room->name) {
         releaseTalk(*room);
         room->name = name;

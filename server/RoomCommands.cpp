@@ -68,8 +68,7 @@ void ControlServer::rooms(Session &session, const Command &command)
 
 void ControlServer::join(Session &session, const Command &command)
 {
-    const QString name = command.rest(0); // unquoted, blanks and all
-    Room *room = findRoom(name.startsWith(QLatin1Char('"')) ? command.argument(0) : name);
+    Room *room = findRoom(command.roomName(0));
     if (!room) {
         session.send(QStringLiteral("JOIN_FAILED|Room tidak ditemukan"));
         return;
@@ -82,6 +81,8 @@ void ControlServer::join(Session &session, const Command &command)
         leaveRoom(session);
     session.send(QStringLiteral("JOIN_OK|%1|%2").arg(room->name, keyText(*room)));
     enter(session, *room);
+    if (session.account().muted)
+        session.send(QStringLiteral("MUTED|1|oleh admin")); // a client forgets it when it leaves a room
 }
 
 /// Of the list of members, which follows, the others know nothing yet.

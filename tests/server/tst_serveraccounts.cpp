@@ -238,6 +238,7 @@ void ServerAccountsTest::editsTheOwnRecordOnly()
     QVERIFY2(!account.approved && !account.admin, "nobody approves himself");
     QCOMPARE(client->answer(q("ADMIN_UPDATE_USER 2") + fields, q("ERROR")), q("ERROR|Hanya untuk administrator"));
     QCOMPARE(rig.store().account(q("YB2B"))->name, q("Op YB2B"));
+    QCOMPARE(client->answer(q("ADMIN_UPDATE_USER 99") + fields, q("ERROR")), q("ERROR|Hanya untuk administrator"));
 }
 
 void ServerAccountsTest::surviesARestart()

@@ -59,7 +59,7 @@ constexpr Deed kDeeds[] = {
     {"ADMIN_MOVE 1 Alpha", "moved YB1A to Alpha"},
     {"ADMIN_SET_AUDIO_QUALITY low", "set the audio quality to low"},
     {"ADMIN_CREATE_ROOM \"Bravo\" 5", "created the room Bravo"},
-    {"ADMIN_EDIT_ROOM \"Alpha\" \"Beta\" 5 \"\"", "edited the room Beta"},
+    {"ADMIN_EDIT_ROOM \"Alpha\" \"Beta\" 5 \"\"", "edited the room Alpha: Beta, at most 5"},
     {"ADMIN_SET_ROOM_ORDER Bravo|Lobby", "ordered the rooms"},
     {"ADMIN_DELETE_ROOM \"Beta\"", "deleted the room Beta"},
 };
