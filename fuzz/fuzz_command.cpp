@@ -11,13 +11,23 @@ namespace {
 
 constexpr int kLongest = 200; // characters
 
-bool isClean(const QString &text)
+bool isFreeOf(const QString &separators, const QString &text)
 {
     for (const QChar character : text) {
-        if (character.category() == QChar::Other_Control || QStringLiteral("|,;\"").contains(character))
+        if (character.category() == QChar::Other_Control || separators.contains(character))
             return false;
     }
     return text.size() <= kLongest && text == text.simplified();
+}
+
+bool isClean(const QString &text)
+{
+    return isFreeOf(QStringLiteral("|\""), text);
+}
+
+bool isCleanName(const QString &text)
+{
+    return isFreeOf(QStringLiteral("|,;\""), text);
 }
 
 /// What is accepted has all that an account needs and nothing that breaks a line of the protocol.
@@ -26,8 +36,11 @@ bool isSane(const Registration &registration)
     const Account &a = registration.account;
     if (!registration.refusal.isEmpty())
         return !registration.refusal.contains(u'|');
-    for (const QString &text : {a.gatewayName, a.callsign, a.frequency, a.expiry, a.location, a.name,
-                                a.responsibleCallsign, a.email, a.whatsapp}) {
+    for (const QString &name : {a.gatewayName, a.callsign, a.name, a.responsibleCallsign}) {
+        if (!isCleanName(name))
+            return false;
+    }
+    for (const QString &text : {a.frequency, a.expiry, a.location, a.email, a.whatsapp}) {
         if (!isClean(text))
             return false;
     }
@@ -45,7 +58,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size
         std::abort();
     for (int i = 0; i < command.count(); ++i) {
         static_cast<void>(command.number(i));
-        if (!line.contains(command.rest(i)) || !isClean(cleanText(command.argument(i), kLongest)))
+        if (!line.contains(command.rest(i)) || !isClean(cleanText(command.argument(i), kLongest)) ||
+            !isCleanName(cleanName(command.argument(i), kLongest)))
             std::abort();
     }
     if (!isSane(Registration::read(command, QDate(2026, 1, 1))))

@@ -1,20 +1,21 @@
 // Login, the own account, and who is there.
 
+#include "server/Answers.h"
 #include "server/AudioPresets.h"
 #include "server/Command.h"
 #include "server/ControlServer.h"
 #include "server/Passwords.h"
+#include "server/Permit.h"
 #include "server/Session.h"
 #include "server/UserRecords.h"
 
-#include <QDate>
 #include <QDateTime>
+#include <QDebug>
 #include <QJsonDocument>
 
 namespace {
 
 constexpr int kTokenBytes = 24;
-constexpr int kExpiryWarningDays = 30;
 constexpr int kShortestPassword = 6;
 constexpr int kLongestHwid = 128;
 
@@ -23,19 +24,17 @@ QString compact(const QJsonObject &object)
     return QString::fromUtf8(QJsonDocument(object).toJson(QJsonDocument::Compact));
 }
 
-bool isExpired(const Account &account)
+/// Whether it takes over from the device that an administrator has freed the account from.
+bool isNewDevice(const Account &account, const QString &hwid, const Session &active)
 {
-    const QDate expiry = QDate::fromString(account.expiry, Qt::ISODate);
-    return expiry.isValid() && expiry < QDate::currentDate();
+    return account.hwid.isEmpty() && !hwid.isEmpty() && !active.hwid().isEmpty();
 }
 
-QString expiryWarning(const Account &account)
+/// What administrators are told of an account that asks for another device.
+QString resetRequest(const Account &account)
 {
-    const QDate expiry = QDate::fromString(account.expiry, Qt::ISODate);
-    const qint64 days = QDate::currentDate().daysTo(expiry);
-    return expiry.isValid() && days <= kExpiryWarningDays
-               ? QStringLiteral("Izin radio berakhir %1 (%2 hari lagi)").arg(account.expiry).arg(days)
-               : QString();
+    return QStringLiteral("ADMIN_NOTIFICATION|HWID_RESET_REQUEST|%1|%2")
+        .arg(account.callsign, QString::number(account.id));
 }
 
 } // namespace
@@ -68,6 +67,7 @@ void ControlServer::login(Session &session, const Command &command)
         refuse(refusal);
         return;
     }
+    showOut(session);
     signOff(session); // one connection, one account
     completeLogin(session, *account, hwid);
 }
@@ -79,45 +79,82 @@ QString ControlServer::refusalFor(Account *account, const QString &password, con
         return QStringLiteral("Password salah");
     if (account->status == QLatin1String("banned"))
         return QStringLiteral("Akun dibanned");
-    if (account->status == QLatin1String("suspended") || isExpired(*account))
+    if (account->mayLogIn() && Permit::hasEnded(*account, m_today()))
+        static_cast<void>(suspend(*account)); // refused either way
+    if (account->status == QLatin1String("suspended") || Permit::hasEnded(*account, m_today()))
         return QStringLiteral("Akun disuspend");
     if (!account->hwid.isEmpty() && account->hwid != hwid)
         return QStringLiteral("Perangkat ini tidak terdaftar untuk akun Anda");
     const Session *active = sessionOf(account->id);
-    if (active && active->hwid() != hwid)
+    if (active && active->hwid() != hwid && !isNewDevice(*account, hwid, *active))
         return QStringLiteral("Akun sedang digunakan di perangkat lain");
     return {};
 }
 
 void ControlServer::completeLogin(Session &session, Account account, const QString &hwid)
 {
-    // The same device again: its old connection died unnoticed.
-    if (Session *old = sessionOf(account.id)) {
+    Session *old = sessionOf(account.id);
+    if (old && old->hwid() != hwid) {
+        removeFromRoom(*old, QStringLiteral("KICKED|Akun dipakai di perangkat baru"));
+    } else if (old) { // the same device again: its old connection died unnoticed
+        showOut(*old);
         signOff(*old);
         old->close();
     }
+    const Account before = account;
     if (account.hwid.isEmpty())
         account.hwid = hwid;
     account.lastLogin = QDateTime::currentDateTimeUtc().toString(Qt::ISODate);
-    store(account);
-    session.logIn(account, hwid);
+    // A full disk must not keep the gateways off the air: what is noted here may be noted the next time.
+    session.logIn(write(account) ? account : before, hwid);
     const QByteArray token = Passwords::randomBytes(kTokenBytes).toHex();
     m_relay.addMember(account.id, token);
     audit(session, QStringLiteral("logged in"));
     session.send(QStringList{QStringLiteral("LOGIN_OK"), QString::fromLatin1(token), account.callsign,
                              account.admin ? QStringLiteral("True") : QStringLiteral("False"),
-                             QString::number(account.id), account.name, expiryWarning(account)}
+                             QString::number(account.id), account.name, Permit::warning(account, m_today())}
                      .join(QLatin1Char('|')));
     if (account.muted)
         session.send(QStringLiteral("MUTED|1|oleh admin"));
-    if (account.admin)
+    if (session.account().admin)
         sendResetRequests(session);
     sendServerInfo();
+}
+
+void ControlServer::watchPermits()
+{
+    const QDate today = m_today();
+    if (today == m_permitsSeen)
+        return;
+    bool areAllWritten = true;
+    for (const Account &account : m_store->accounts()) {
+        if (account.mayLogIn() && Permit::hasEnded(account, today))
+            areAllWritten = suspend(account) && areAllWritten;
+    }
+    if (areAllWritten)
+        m_permitsSeen = today;
+}
+
+/// The permit has ended; whoever is on the air with it is turned out. False when the database does not take it.
+bool ControlServer::suspend(Account account)
+{
+    account.status = QStringLiteral("suspended");
+    if (!store(account))
+        return false;
+    qInfo().noquote() << account.callsign << "suspended, the permit ended on" << account.expiry;
+    if (Session *session = sessionOf(account.id))
+        removeFromRoom(*session, QStringLiteral("KICKED|Akun disuspend, izin radio berakhir ") + account.expiry);
+    return true;
 }
 
 void ControlServer::getProfile(Session &session, const Command &command)
 {
     Q_UNUSED(command)
+    sendProfile(session);
+}
+
+void ControlServer::sendProfile(Session &session)
+{
     session.send(QStringLiteral("USER_PROFILE|") + compact(userRecord(session.account(), true)));
 }
 
@@ -153,7 +190,10 @@ void ControlServer::changePassword(Session &session, const Command &command)
         fail(QStringLiteral("Password tidak boleh berisi spasi"));
     } else {
         account.passwordHash = Passwords::hash(command.argument(1));
-        store(account);
+        if (account.passwordHash.isEmpty() || !store(account)) {
+            fail(QStringLiteral("Perubahan tidak dapat disimpan"));
+            return;
+        }
         audit(session, QStringLiteral("changed the password"));
         session.send(QStringLiteral("USER_CHANGE_PASSWORD_OK"));
     }
@@ -171,13 +211,28 @@ void ControlServer::requestDeviceReset(Session &session, const Command &command)
         m_guard.count(session.address(), m_clock()); // anybody may ask, but not without end
     if (account && !account->resetRequested) {
         account->resetRequested = true;
-        store(*account);
-        for (Session *other : qAsConst(m_sessions)) {
-            if (other->isLoggedIn() && other->account().admin)
-                sendResetRequest(*other, *account);
+        if (!store(*account)) {
+            session.send(Answers::kNotStored);
+            return;
         }
+        sendToAdmins(resetRequest(*account));
     }
     session.send(QStringLiteral("USER_REQUEST_HWID_RESET_OK"));
+}
+
+/// Those that came while no administrator was there.
+void ControlServer::sendResetRequests(Session &admin)
+{
+    for (const Account &account : m_store->accounts()) {
+        if (account.resetRequested)
+            admin.send(resetRequest(account));
+    }
+}
+
+/// Granted by one administrator, or void: the others need not decide any more.
+void ControlServer::withdrawResetRequest(const Account &account)
+{
+    sendToAdmins(QStringLiteral("ADMIN_RESET_HWID_OK|") + account.callsign);
 }
 
 void ControlServer::getQuality(Session &session, const Command &command)

@@ -74,6 +74,11 @@ Account fromRow(const QSqlQuery &query)
 
 } // namespace
 
+bool Account::mayLogIn() const
+{
+    return status == QLatin1String("active") || status == QLatin1String("pending");
+}
+
 AccountStore::AccountStore()
     : m_connection(QUuid::createUuid().toString())
 {
@@ -238,7 +243,10 @@ bool AccountStore::setRoomOrder(const QStringList &names)
         QSqlQuery query = prepared(QStringLiteral("UPDATE rooms SET position = ? WHERE name = ?"));
         query.addBindValue(position + 1);
         query.addBindValue(order.at(position));
-        query.exec();
+        if (!query.exec()) {
+            m_database.rollback();
+            return false;
+        }
     }
     return m_database.commit();
 }

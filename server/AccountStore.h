@@ -32,6 +32,8 @@ struct Account
     bool resetRequested = false;
     bool muted = false; ///< may not transmit until an administrator lifts it
     QString lastLogin;  ///< ISO 8601, UTC
+
+    [[nodiscard]] bool mayLogIn() const; ///< by its status
 };
 
 /// One room as it is stored.

@@ -1,24 +1,22 @@
-// What administrators do. Each leaves a line in the log; changes reach the people concerned at once.
+// What administrators do to accounts and people. Each deed leaves a line in the log and reaches the people concerned at
+// once.
 
-#include "server/AudioPresets.h"
+#include "server/Answers.h"
 #include "server/Command.h"
 #include "server/ControlServer.h"
 #include "server/Passwords.h"
+#include "server/Permit.h"
 #include "server/Session.h"
 #include "server/UserRecords.h"
 
 #include <QDate>
+#include <QDebug>
 #include <QJsonArray>
 #include <QJsonDocument>
 
-#include <algorithm>
+using namespace Answers;
 
 namespace {
-
-const QString kUnknownUser = QStringLiteral("ERROR|User tidak ditemukan");
-const QString kNotOnline = QStringLiteral("ERROR|User tidak online");
-const QString kUnknownRoom = QStringLiteral("ERROR|Room tidak ditemukan");
-constexpr int kMostMembers = 10000;
 
 constexpr int kOwnFormArguments = 11;
 constexpr int kAdminFormArguments = 12;
@@ -30,15 +28,10 @@ bool isStatus(const QString &status)
         .contains(status);
 }
 
-bool isLoginStatus(const QString &status)
-{
-    return status == QLatin1String("active") || status == QLatin1String("pending");
-}
-
 /// Somebody who was turned out does not wait for an approval.
 bool isWaiting(const Account &account)
 {
-    return !account.approved && isLoginStatus(account.status);
+    return !account.approved && account.mayLogIn();
 }
 
 bool isDate(const QString &text)
@@ -46,31 +39,39 @@ bool isDate(const QString &text)
     return text.isEmpty() || (text.size() == 10 && QDate::fromString(text, Qt::ISODate).isValid());
 }
 
-/// Status and rights are told as well, and are not taken from it.
+/// Status, rights and the gateway's name are told as well, and are an administrator's to change.
 void takeOwnForm(const Command &command, Account *account)
 {
+    const auto name = [&command](int index) { return cleanName(command.argument(index)); };
     const auto text = [&command](int index) { return cleanText(command.argument(index)); };
-    account->name = text(1);
-    account->responsibleCallsign = text(2).toUpper();
-    account->gatewayName = text(6);
+    account->name = name(1);
+    account->responsibleCallsign = name(2).toUpper();
     account->frequency = text(7);
     account->location = text(8);
     account->email = text(9);
     account->whatsapp = text(10);
 }
 
+bool isAdminForm(const Command &command)
+{
+    return command.count() == kAdminFormArguments && isStatus(command.argument(3)) && command.numberWithin(9, 0, 1) &&
+           command.numberWithin(10, 0, 1) && isDate(command.argument(11));
+}
+
 void takeAdminForm(const Command &command, Account *account)
 {
+    const auto name = [&command](int index) { return cleanName(command.argument(index)); };
     const auto text = [&command](int index) { return cleanText(command.argument(index)); };
-    account->name = text(1);
-    account->responsibleCallsign = text(2).toUpper();
+    account->name = name(1);
+    account->responsibleCallsign = name(2).toUpper();
     account->status = command.argument(3);
-    account->gatewayName = text(4);
+    account->gatewayName = name(4);
     account->frequency = text(5);
     account->location = text(6);
     account->email = text(7);
     account->whatsapp = text(8);
-    account->approved = command.number(9) == 1;
+    // "pending" is an account that may listen and not transmit.
+    account->approved = command.number(9) == 1 && account->status != QLatin1String("pending");
     account->admin = command.number(10) == 1;
     account->expiry = command.argument(11);
 }
@@ -82,21 +83,39 @@ QString byAdmin(const Session &admin)
 
 } // namespace
 
-/// Writes the account and lets the one who is logged in with it go on with what it now says.
-void ControlServer::store(const Account &account)
+bool ControlServer::write(const Account &account)
 {
-    if (!m_store->update(account))
-        qWarning("an account could not be written to the database");
+    const bool isWritten = m_store->update(account);
+    if (!isWritten)
+        qWarning().noquote() << account.callsign << "could not be written to the database";
+    return isWritten;
+}
+
+/// Lets the one who is logged in with the account go on with what it now says.
+void ControlServer::apply(const Account &account)
+{
     Session *session = sessionOf(account.id);
     if (!session)
         return;
+    const bool isNews = userRecord(session->account(), true) != userRecord(account, true);
     session->setAccount(account);
+    if (isNews)
+        sendProfile(*session);
     Room *room = session->room();
     if (!room)
         return;
     if (room->talker == session && (!account.approved || account.muted))
         releaseTalk(*room);
     sendUserList(*room);
+}
+
+/// False when the database does not take it: then nothing has changed, and whoever asked is to be told so.
+bool ControlServer::store(const Account &account)
+{
+    if (!write(account))
+        return false;
+    apply(account);
+    return true;
 }
 
 void ControlServer::allUsers(Session &session, const Command &command)
@@ -141,7 +160,10 @@ void ControlServer::setApproved(Session &session, const Command &command, bool a
     account->approved = approved;
     if (approved && account->status == QLatin1String("pending"))
         account->status = QStringLiteral("active");
-    store(*account);
+    if (!store(*account)) {
+        session.send(kNotStored);
+        return;
+    }
     audit(session,
           (approved ? QStringLiteral("approved ") : QStringLiteral("took back the approval of ")) + account->callsign);
     session.send(approved ? QStringLiteral("ADMIN_APPROVE_USER_OK") : QStringLiteral("ADMIN_UNAPPROVE_USER_OK"));
@@ -150,7 +172,7 @@ void ControlServer::setApproved(Session &session, const Command &command, bool a
 void ControlServer::removeFromRoom(Session &target, const QString &line)
 {
     Room *room = target.room();
-    leaveRoom(target);
+    showOut(target);
     if (room)
         renewKey(*room);
     target.send(line);
@@ -189,7 +211,10 @@ void ControlServer::ban(Session &session, const Command &command)
         return;
     account->status = QStringLiteral("banned");
     account->approved = false;
-    store(*account);
+    if (!store(*account)) {
+        session.send(kNotStored);
+        return;
+    }
     audit(session, QStringLiteral("banned ") + account->callsign);
     session.send(QStringLiteral("ADMIN_BAN_OK"));
     if (Session *target = sessionOf(account->id))
@@ -204,17 +229,26 @@ void ControlServer::mute(Session &session, const Command &command)
         session.send(kUnknownUser);
         return;
     }
-    account->muted = command.number(1) == 1;
+    const auto muted = command.numberWithin(1, 0, 1);
+    if (!muted) {
+        session.send(QStringLiteral("ERROR|Nilai mute harus 0 atau 1"));
+        return;
+    }
+    account->muted = *muted == 1;
+    if (!write(*account)) {
+        session.send(kNotStored);
+        return;
+    }
     audit(session, (account->muted ? QStringLiteral("muted ") : QStringLiteral("unmuted ")) + account->callsign);
     if (Session *target = sessionOf(account->id))
         target->send(QStringLiteral("MUTED|%1|%2").arg(QString::number(account->muted ? 1 : 0), byAdmin(session)));
-    store(*account);
+    apply(*account);
 }
 
 void ControlServer::move(Session &session, const Command &command)
 {
     Session *target = sessionOf(command.number(0));
-    Room *room = findRoom(command.rest(1));
+    Room *room = findRoom(command.roomName(1));
     if (!target || !room) {
         session.send(target ? kUnknownRoom : kNotOnline);
         return;
@@ -231,8 +265,7 @@ void ControlServer::move(Session &session, const Command &command)
     leaveRoom(*target);
     if (old)
         renewKey(*old);
-    target->send(QStringLiteral("MOVED|%1|%2|%3")
-                     .arg(room->name, session.account().callsign, QString::fromLatin1(room->key.toBase64())));
+    target->send(room->movedLine(session.account().callsign));
     enter(*target, *room);
 }
 
@@ -241,19 +274,21 @@ void ControlServer::updateUser(Session &session, const Command &command)
 {
     auto account = m_store->account(command.number(0));
     const bool ownForm = command.count() == kOwnFormArguments;
-    if (!account) {
+    const bool isOwn = account && account->id == session.account().id;
+    if (!session.account().admin && (!isOwn || !ownForm)) {
+        session.send(kAdminsOnly); // to a member also of an id that nobody has
+    } else if (!account) {
         session.send(kUnknownUser);
-    } else if (!session.account().admin && (account->id != session.account().id || !ownForm)) {
-        session.send(QStringLiteral("ERROR|Hanya untuk administrator"));
     } else if (ownForm) {
         takeOwnForm(command, &*account);
         finishUpdate(session, *account);
-    } else if (command.count() != kAdminFormArguments || !isStatus(command.argument(3)) ||
-               !isDate(command.argument(11))) {
+    } else if (!isAdminForm(command)) {
         session.send(QStringLiteral("ERROR|Data user tidak valid"));
     } else {
         takeAdminForm(command, &*account);
-        const bool staysAdmin = account->admin && isLoginStatus(account->status);
+        if (account->mayLogIn() && Permit::hasEnded(*account, m_today()))
+            account->status = QStringLiteral("suspended");
+        const bool staysAdmin = account->admin && account->mayLogIn();
         if (staysAdmin || !isOwnAccount(session, *account))
             finishUpdate(session, *account);
     }
@@ -261,10 +296,13 @@ void ControlServer::updateUser(Session &session, const Command &command)
 
 void ControlServer::finishUpdate(Session &session, const Account &account)
 {
-    store(account);
+    if (!store(account)) {
+        session.send(kNotStored);
+        return;
+    }
     audit(session, QStringLiteral("edited ") + account.callsign);
     session.send(QStringLiteral("ADMIN_UPDATE_USER_OK"));
-    if (Session *target = isLoginStatus(account.status) ? nullptr : sessionOf(account.id)) {
+    if (Session *target = account.mayLogIn() ? nullptr : sessionOf(account.id)) {
         const bool banned = account.status == QLatin1String("banned");
         removeFromRoom(*target,
                        (banned ? QStringLiteral("BANNED|Dibanned ") : QStringLiteral("KICKED|Akun disuspend ")) +
@@ -283,24 +321,12 @@ void ControlServer::resetDevice(Session &session, const Command &command)
     }
     account->hwid.clear();
     account->resetRequested = false;
-    store(*account);
-    audit(session, QStringLiteral("reset the device of ") + account->callsign);
-    session.send(QStringLiteral("ADMIN_RESET_HWID_OK|") + account->callsign);
-}
-
-void ControlServer::sendResetRequest(Session &admin, const Account &account)
-{
-    admin.send(QStringLiteral("ADMIN_NOTIFICATION|HWID_RESET_REQUEST|%1|%2")
-                   .arg(account.callsign, QString::number(account.id)));
-}
-
-/// Those that came while no administrator was there.
-void ControlServer::sendResetRequests(Session &admin)
-{
-    for (const Account &account : m_store->accounts()) {
-        if (account.resetRequested)
-            sendResetRequest(admin, account);
+    if (!store(*account)) {
+        session.send(kNotStored);
+        return;
     }
+    audit(session, QStringLiteral("reset the device of ") + account->callsign);
+    withdrawResetRequest(*account); // the answer to this administrator is the word to the others
 }
 
 void ControlServer::resetPassword(Session &session, const Command &command)
@@ -317,7 +343,10 @@ void ControlServer::resetPassword(Session &session, const Command &command)
         return;
     }
     account->passwordHash = hash;
-    store(*account);
+    if (!store(*account)) {
+        session.send(kNotStored);
+        return;
+    }
     audit(session, QStringLiteral("reset the password of ") + account->callsign);
     session.send(QStringLiteral("ADMIN_RESET_PASSWORD_OK|") + account->callsign);
 }
@@ -328,105 +357,13 @@ void ControlServer::deleteUser(Session &session, const Command &command)
     if (account && isOwnAccount(session, *account))
         return;
     if (!account || !m_store->remove(account->id)) {
-        session.send(kUnknownUser);
+        session.send(account ? kNotStored : kUnknownUser);
         return;
     }
     audit(session, QStringLiteral("deleted ") + account->callsign);
     session.send(QStringLiteral("ADMIN_DELETE_USER_OK"));
+    if (account->resetRequested)
+        withdrawResetRequest(*account);
     if (Session *target = sessionOf(account->id))
         removeFromRoom(*target, QStringLiteral("KICKED|Akun dihapus ") + byAdmin(session));
-}
-
-void ControlServer::setQuality(Session &session, const Command &command)
-{
-    const QString preset = command.argument(0);
-    if (!AudioPresets::contains(preset) || !m_store->setSetting(QStringLiteral("audio_preset"), preset)) {
-        session.send(QStringLiteral("ERROR|Preset tidak dikenal"));
-        return;
-    }
-    audit(session, QStringLiteral("set the audio quality to ") + preset);
-    session.send(QStringLiteral("ADMIN_SET_AUDIO_QUALITY_OK|") + preset);
-    for (Session *other : qAsConst(m_sessions)) {
-        if (other->isLoggedIn())
-            sendQuality(*other);
-    }
-    sendServerInfo();
-}
-
-void ControlServer::createRoom(Session &session, const Command &command)
-{
-    const QString name = cleanText(command.argument(0));
-    const int maximum = std::clamp(command.number(1), 0, kMostMembers);
-    if (name.isEmpty() || !m_store->addRoom({name, maximum})) {
-        session.send(name.isEmpty() ? QStringLiteral("ERROR|Nama room tidak boleh kosong")
-                                    : QStringLiteral("ERROR|Room sudah ada"));
-        return;
-    }
-    loadRooms();
-    audit(session, QStringLiteral("created the room ") + name);
-    session.send(QStringLiteral("ADMIN_CREATE_ROOM_OK|") + name);
-    sendToAll(roomsLine());
-    sendServerInfo();
-}
-
-void ControlServer::editRoom(Session &session, const Command &command)
-{
-    Room *room = findRoom(command.argument(0));
-    const QString name = cleanText(command.argument(1));
-    const int maximum = std::clamp(command.number(2), 0, kMostMembers);
-    if (!room || name.isEmpty() || (name != room->name && findRoom(name)) ||
-        !m_store->editRoom(room->name, {name, maximum})) {
-        session.send(room ? QStringLiteral("ERROR|Nama room tidak dapat dipakai") : kUnknownRoom);
-        return;
-    }
-    const QVector<Session *> members = room->members;
-    audit(session, QStringLiteral("edited the room ") + name);
-    if (name != room->name) {
-        releaseTalk(*room);
-        room->name = name;
-        for (Session *member : members)
-            m_relay.setRoom(member->account().id, name);
-        for (Session *member : members)
-            member->send(QStringLiteral("JOIN_OK|%1|%2").arg(name, QString::fromLatin1(room->key.toBase64())));
-        sendUserList(*room);
-    }
-    loadRooms();
-    session.send(QStringLiteral("ADMIN_EDIT_ROOM_OK|") + name);
-    sendToAll(roomsLine());
-}
-
-void ControlServer::deleteRoom(Session &session, const Command &command)
-{
-    Room *room = findRoom(command.argument(0));
-    if (!room || !m_store->removeRoom(room->name)) {
-        session.send(kUnknownRoom);
-        return;
-    }
-    const QString name = room->name;
-    const QVector<Session *> members = room->members;
-    for (Session *member : members) {
-        leaveRoom(*member);
-        member->send(QStringLiteral("LEAVE_OK"));
-    }
-    loadRooms();
-    audit(session, QStringLiteral("deleted the room ") + name);
-    session.send(QStringLiteral("ADMIN_DELETE_ROOM_OK|") + name);
-    sendToAll(roomsLine());
-    sendServerInfo();
-}
-
-void ControlServer::setRoomOrder(Session &session, const Command &command)
-{
-    QStringList order = command.rest(0).split(QLatin1Char('|'));
-    order.removeDuplicates();
-    order.erase(std::remove_if(order.begin(), order.end(), [this](const QString &name) { return !findRoom(name); }),
-                order.end());
-    if (order.isEmpty() || !m_store->setRoomOrder(order)) {
-        session.send(QStringLiteral("ERROR|Urutan room tidak dapat disimpan"));
-        return;
-    }
-    loadRooms();
-    audit(session, QStringLiteral("ordered the rooms"));
-    session.send(QStringLiteral("ADMIN_SET_ROOM_ORDER_OK"));
-    sendToAll(roomsLine());
 }

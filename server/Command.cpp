@@ -28,17 +28,43 @@ Command::Command(const QString &line)
     m_starts = starts;
 }
 
+std::optional<int> Command::numberWithin(int index, int least, int most) const
+{
+    bool isNumber = false;
+    const int number = argument(index).toInt(&isNumber);
+    return isNumber && number >= least && number <= most ? std::optional(number) : std::nullopt;
+}
+
+QString Command::roomName(int index) const
+{
+    const QString name = rest(index);
+    return name.startsWith(QLatin1Char('"')) ? argument(index) : name;
+}
+
 QString Command::rest(int index) const
 {
     return index < m_starts.size() ? m_line.mid(m_starts.at(index)).trimmed() : QString();
 }
 
-QString cleanText(const QString &text, int maximumLength)
+namespace {
+
+QString without(const QString &separators, QString text)
 {
-    QString clean = text.left(maximumLength);
-    for (QChar &character : clean) {
-        if (character.category() == QChar::Other_Control || QStringLiteral("|,;\"").contains(character))
+    for (QChar &character : text) {
+        if (character.category() == QChar::Other_Control || separators.contains(character))
             character = QLatin1Char(' ');
     }
-    return clean.simplified();
+    return text.simplified();
+}
+
+} // namespace
+
+QString cleanText(const QString &text, int maximumLength)
+{
+    return without(QStringLiteral("|\""), text.left(maximumLength));
+}
+
+QString cleanName(const QString &text, int maximumLength)
+{
+    return without(QStringLiteral("|,;\""), text.left(maximumLength));
 }

@@ -1,5 +1,6 @@
 #include "server/ControlServer.h"
 
+#include "server/Answers.h"
 #include "server/AudioPresets.h"
 #include "server/Command.h"
 #include "server/ListenAddress.h"
@@ -16,6 +17,7 @@
 namespace {
 
 constexpr std::chrono::milliseconds kTalkCheck{1000};
+constexpr std::chrono::milliseconds kPermitCheck{60000};
 constexpr int kMostConnections = 2000;
 
 qint64 steadyMilliseconds()
@@ -34,10 +36,13 @@ ControlServer::ControlServer(AccountStore *store, QObject *parent)
     : QObject(parent)
     , m_store(store)
     , m_clock(steadyMilliseconds)
+    , m_today(QDate::currentDate)
 {
     connect(&m_tcp, &QTcpServer::newConnection, this, &ControlServer::onNewConnection);
     connect(&m_talkTimer, &QTimer::timeout, this, &ControlServer::enforceTalkLimit);
     m_talkTimer.start(kTalkCheck);
+    connect(&m_permitTimer, &QTimer::timeout, this, &ControlServer::watchPermits);
+    m_permitTimer.start(kPermitCheck);
 }
 
 ControlServer::~ControlServer()
@@ -48,18 +53,30 @@ ControlServer::~ControlServer()
 
 bool ControlServer::start(const Options &options, QString *error)
 {
-    for (const QString &name : options.rooms) {
-        const QString clean = cleanText(name);
-        if (!clean.isEmpty())
-            static_cast<void>(m_store->addRoom({clean, 0})); // one that is there stays as it is
+    loadRooms();
+    if (m_rooms.empty() && !makeRooms(options.rooms)) {
+        *error = QStringLiteral("the rooms could not be written to the database");
+        return false;
     }
     m_autoApprove = options.autoApprove;
-    loadRooms();
+    watchPermits(); // days may have passed
     if (!m_tcp.listen(listenAddress(options.address), options.port)) {
         *error = m_tcp.errorString();
         return false;
     }
     return m_relay.open(options.address, options.udpPort, error);
+}
+
+/// Only the first time: what administrators make of the rooms afterwards outlives a restart.
+bool ControlServer::makeRooms(const QStringList &names)
+{
+    for (const QString &name : names) {
+        const QString clean = cleanName(name);
+        if (!clean.isEmpty() && !findRoom(clean) && !m_store->addRoom({clean, 0}))
+            return false;
+        loadRooms();
+    }
+    return true;
 }
 
 void ControlServer::onNewConnection()
@@ -87,7 +104,7 @@ void ControlServer::onLine(Session &session, const QString &line)
     else if (row.access != Access::Anyone && !session.isLoggedIn())
         session.send(QStringLiteral("ERROR|Belum login"));
     else if (row.access == Access::Admin && !session.account().admin)
-        session.send(QStringLiteral("ERROR|Hanya untuk administrator"));
+        session.send(Answers::kAdminsOnly);
     else
         (this->*row.handler)(session, command);
 }
@@ -137,6 +154,14 @@ void ControlServer::sendToAll(const QString &line)
     }
 }
 
+void ControlServer::sendToAdmins(const QString &line)
+{
+    for (Session *session : qAsConst(m_sessions)) {
+        if (session->isLoggedIn() && session->account().admin)
+            session->send(line);
+    }
+}
+
 void ControlServer::sendServerInfo()
 {
     int online = 0;
@@ -152,16 +177,25 @@ void ControlServer::sendServerInfo()
             ++gateways;
     }
     const AudioPreset &preset = AudioPresets::find(m_store->setting(QStringLiteral("audio_preset")));
-    const QJsonObject info{{QStringLiteral("total_rooms"), int(m_rooms.size())},
-                           {QStringLiteral("online_users"), online},
-                           {QStringLiteral("online_admins"), admins},
-                           {QStringLiteral("online_gateways"), gateways},
-                           {QStringLiteral("encryption"), QStringLiteral("XSalsa20-Poly1305")},
-                           {QStringLiteral("audio_codec"), QStringLiteral("Opus")},
-                           {QStringLiteral("audio_preset"), preset.name},
-                           {QStringLiteral("audio_bitrate"), preset.bitrate},
-                           {QStringLiteral("audio_sample_rate"), preset.sampleRate}};
-    sendToAll(QStringLiteral("SERVER_INFO|") + QString::fromUtf8(QJsonDocument(info).toJson(QJsonDocument::Compact)));
+    QJsonObject info{{QStringLiteral("total_rooms"), int(m_rooms.size())},
+                     {QStringLiteral("online_users"), online},
+                     {QStringLiteral("online_admins"), admins},
+                     {QStringLiteral("online_gateways"), gateways},
+                     {QStringLiteral("encryption"), QStringLiteral("XSalsa20-Poly1305")},
+                     {QStringLiteral("audio_codec"), QStringLiteral("Opus")},
+                     {QStringLiteral("audio_preset"), preset.name},
+                     {QStringLiteral("audio_bitrate"), preset.bitrate},
+                     {QStringLiteral("audio_sample_rate"), preset.sampleRate}};
+    const auto line = [](const QJsonObject &facts) {
+        return QStringLiteral("SERVER_INFO|") + QString::fromUtf8(QJsonDocument(facts).toJson(QJsonDocument::Compact));
+    };
+    const QString forMembers = line(info);
+    info.insert(QStringLiteral("room_limits"), roomLimits()); // no other message carries them
+    const QString forAdmins = line(info);
+    for (Session *session : qAsConst(m_sessions)) {
+        if (session->isLoggedIn())
+            session->send(session->account().admin ? forAdmins : forMembers);
+    }
 }
 
 void ControlServer::sendQuality(Session &session)

@@ -5,7 +5,9 @@
 #include "server/Room.h"
 #include "server/UdpRelay.h"
 
+#include <QDate>
 #include <QHash>
+#include <QJsonObject>
 #include <QList>
 #include <QObject>
 #include <QStringList>
@@ -31,7 +33,7 @@ public:
         QString address = QStringLiteral("::"); ///< a literal address to listen on
         quint16 port = 8080;                    ///< TCP; 0: any
         quint16 udpPort = 8082;                 ///< 0: any
-        QStringList rooms;                      ///< made where missing
+        QStringList rooms;                      ///< made in a database that has none
         bool autoApprove = false;               ///< gateways that register may transmit at once
     };
     /// How long one talker may hold a room.
@@ -47,6 +49,10 @@ public:
     [[nodiscard]] quint16 udpPort() const { return m_relay.port(); }
     /// A steady clock in milliseconds, for tests.
     void setClock(std::function<qint64()> clock) { m_clock = std::move(clock); }
+    /// The calendar, for tests; before start().
+    void setToday(std::function<QDate()> today) { m_today = std::move(today); }
+    /// Suspends the accounts whose permit has ended, once on each day; runs by itself every minute.
+    void watchPermits();
     /// Ends overs that last too long; runs by itself every second.
     void enforceTalkLimit();
 
@@ -61,6 +67,7 @@ private:
     [[nodiscard]] static const QHash<QString, Row> &commandTable(); // CommandTable.cpp
 
     // ControlServer.cpp
+    [[nodiscard]] bool makeRooms(const QStringList &names);
     void onNewConnection();
     void onLine(Session &session, const QString &line);
     void onClosed(Session *session);
@@ -68,6 +75,7 @@ private:
     [[nodiscard]] Session *sessionOf(const QString &callsign) const;
     void signOff(Session &session);
     void sendToAll(const QString &line);
+    void sendToAdmins(const QString &line);
     void sendServerInfo();
     void sendQuality(Session &session);
     void audit(const Session &session, const QString &text) const;
@@ -77,11 +85,15 @@ private:
     void quit(Session &session, const Command &command);
     void login(Session &session, const Command &command);
     [[nodiscard]] QString refusalFor(Account *account, const QString &password, const QString &hwid);
+    [[nodiscard]] bool suspend(Account account);
     void completeLogin(Session &session, Account account, const QString &hwid);
     void getProfile(Session &session, const Command &command);
+    void sendProfile(Session &session);
     void getInfo(Session &session, const Command &command);
     void changePassword(Session &session, const Command &command);
     void requestDeviceReset(Session &session, const Command &command);
+    void sendResetRequests(Session &admin);
+    void withdrawResetRequest(const Account &account);
     void getQuality(Session &session, const Command &command);
     void onlineUsers(Session &session, const Command &command);
 
@@ -98,9 +110,12 @@ private:
     void stopTransmission(Session &session, const Command &command);
     [[nodiscard]] Room *findRoom(const QString &name) const;
     [[nodiscard]] QString roomsLine() const;
+    [[nodiscard]] QJsonObject roomLimits() const;
     void loadRooms();
+    void admit(Session &session, Room &room);
     void enter(Session &session, Room &room);
     void leaveRoom(Session &session);
+    void showOut(Session &session);
     void releaseTalk(Room &room);
     void renewKey(Room &room);
     void sendUserList(const Room &room);
@@ -120,16 +135,19 @@ private:
     void resetDevice(Session &session, const Command &command);
     void resetPassword(Session &session, const Command &command);
     void deleteUser(Session &session, const Command &command);
+    void removeFromRoom(Session &target, const QString &line);
+    [[nodiscard]] bool isOwnAccount(Session &session, const Account &account);
+    [[nodiscard]] bool write(const Account &account);
+    void apply(const Account &account);
+    [[nodiscard]] bool store(const Account &account);
+
+    // RoomAdminCommands.cpp
     void setQuality(Session &session, const Command &command);
     void createRoom(Session &session, const Command &command);
     void editRoom(Session &session, const Command &command);
     void deleteRoom(Session &session, const Command &command);
+    void moveOn(const Room &deleted, const QString &by);
     void setRoomOrder(Session &session, const Command &command);
-    void removeFromRoom(Session &target, const QString &line);
-    void sendResetRequest(Session &admin, const Account &account);
-    void sendResetRequests(Session &admin);
-    [[nodiscard]] bool isOwnAccount(Session &session, const Account &account);
-    void store(const Account &account);
 
     AccountStore *m_store;
     QTcpServer m_tcp;
@@ -138,7 +156,10 @@ private:
     LoginGuard m_registrationGuard;
     bool m_autoApprove = false;
     std::function<qint64()> m_clock;
+    std::function<QDate()> m_today;
+    QDate m_permitsSeen; ///< the day on which all were looked at
     QTimer m_talkTimer;
+    QTimer m_permitTimer;
     QList<Session *> m_sessions;
     std::vector<std::unique_ptr<Room>> m_rooms; ///< in their order
 };

@@ -55,7 +55,7 @@ QString presenceAndLength(const QStringList &fields)
 {
     for (const Rule &rule : kRules) {
         const QString &field = fields.at(rule.field);
-        if (rule.mandatory && cleanText(field).isEmpty())
+        if (rule.mandatory && cleanName(field).isEmpty())
             return QStringLiteral("%1 wajib diisi").arg(QLatin1String(rule.name));
         if (field.size() > rule.longest)
             return QStringLiteral("%1 terlalu panjang (maksimal %2 karakter)")
@@ -90,15 +90,16 @@ QString refusalOf(const Account &account, const QString &password, const QDate &
 
 Account accountOf(const QStringList &fields)
 {
+    const auto name = [&fields](Field field) { return cleanName(fields.at(field)); };
     const auto text = [&fields](Field field) { return cleanText(fields.at(field)); };
     Account account;
-    account.gatewayName = text(GatewayName);
-    account.callsign = text(Callsign).toUpper();
+    account.gatewayName = name(GatewayName);
+    account.callsign = name(Callsign).toUpper();
     account.frequency = text(Frequency);
     account.expiry = orNothing(text(Expiry));
     account.location = text(Location);
-    account.name = text(Operator);
-    account.responsibleCallsign = orNothing(text(Responsible).toUpper());
+    account.name = name(Operator);
+    account.responsibleCallsign = orNothing(name(Responsible).toUpper());
     account.email = orNothing(text(Email));
     account.whatsapp = text(Phone);
     return account;

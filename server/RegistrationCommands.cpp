@@ -6,7 +6,6 @@
 #include "server/Registration.h"
 #include "server/Session.h"
 
-#include <QDate>
 #include <QDebug>
 
 void ControlServer::registerGateway(Session &session, const Command &command)
@@ -19,7 +18,7 @@ void ControlServer::registerGateway(Session &session, const Command &command)
         session.send(QStringLiteral("REGISTER_FAILED|") + refusal);
         return;
     }
-    audit(session, QStringLiteral("registered ") + cleanText(command.argument(1)).toUpper());
+    audit(session, QStringLiteral("registered ") + cleanName(command.argument(1)).toUpper());
     session.send(m_autoApprove ? QStringLiteral("REGISTER_OK|Pendaftaran berhasil, akun langsung aktif")
                                : QStringLiteral("REGISTER_OK|Pendaftaran berhasil, menunggu persetujuan admin"));
 }
@@ -36,7 +35,7 @@ bool ControlServer::mayRegister(const Session &session)
 /// Adds the account; the reason, in the words that the applicant reads, when it cannot be had.
 QString ControlServer::enroll(const Command &command)
 {
-    Registration registration = Registration::read(command, QDate::currentDate());
+    Registration registration = Registration::read(command, m_today());
     if (!registration.refusal.isEmpty())
         return registration.refusal;
     Account &account = registration.account;

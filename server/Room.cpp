@@ -5,6 +5,16 @@
 
 #include <QStringList>
 
+QString Room::emptyUserList() const
+{
+    return QStringLiteral("USER_LIST|%1||||||").arg(name);
+}
+
+QString Room::movedLine(const QString &by) const
+{
+    return QStringLiteral("MOVED|%1|%2|%3").arg(name, by, QString::fromLatin1(key.toBase64()));
+}
+
 void Room::renewKey()
 {
     key = Passwords::randomBytes(kKeySize);

@@ -20,5 +20,8 @@ struct Room
 
     void renewKey();
     [[nodiscard]] bool isFull() const { return maximum > 0 && members.size() >= maximum; }
-    [[nodiscard]] QString userList() const; ///< the "USER_LIST" line
+    [[nodiscard]] QString userList() const;      ///< the "USER_LIST" line
+    [[nodiscard]] QString emptyUserList() const; ///< what it is for somebody who has left
+    /// The "MOVED" line, for somebody whom that administrator brings into it.
+    [[nodiscard]] QString movedLine(const QString &by) const;
 };

@@ -52,6 +52,14 @@ QString ControlServer::roomsLine() const
     return QStringLiteral("ROOMS|") + names.join(QLatin1Char(','));
 }
 
+QJsonObject ControlServer::roomLimits() const
+{
+    QJsonObject limits;
+    for (const auto &room : m_rooms)
+        limits.insert(room->name, room->maximum);
+    return limits;
+}
+
 void ControlServer::rooms(Session &session, const Command &command)
 {
     Q_UNUSED(command)
@@ -60,8 +68,7 @@ void ControlServer::rooms(Session &session, const Command &command)
 
 void ControlServer::join(Session &session, const Command &command)
 {
-    const QString name = command.rest(0); // unquoted, blanks and all
-    Room *room = findRoom(name.startsWith(QLatin1Char('"')) ? command.argument(0) : name);
+    Room *room = findRoom(command.roomName(0));
     if (!room) {
         session.send(QStringLiteral("JOIN_FAILED|Room tidak ditemukan"));
         return;
@@ -74,22 +81,29 @@ void ControlServer::join(Session &session, const Command &command)
         leaveRoom(session);
     session.send(QStringLiteral("JOIN_OK|%1|%2").arg(room->name, keyText(*room)));
     enter(session, *room);
+    if (session.account().muted)
+        session.send(QStringLiteral("MUTED|1|oleh admin")); // a client forgets it when it leaves a room
+}
+
+/// Of the list of members, which follows, the others know nothing yet.
+void ControlServer::admit(Session &session, Room &room)
+{
+    room.members.append(&session);
+    session.setRoom(&room);
+    m_relay.setRoom(session.account().id, room.name);
 }
 
 void ControlServer::enter(Session &session, Room &room)
 {
-    if (session.room() != &room) {
-        room.members.append(&session);
-        session.setRoom(&room);
-        m_relay.setRoom(session.account().id, room.name);
-    }
+    if (session.room() != &room)
+        admit(session, room);
     sendUserList(room);
 }
 
 void ControlServer::leave(Session &session, const Command &command)
 {
     Q_UNUSED(command)
-    leaveRoom(session);
+    showOut(session);
     session.send(QStringLiteral("LEAVE_OK"));
 }
 
@@ -104,6 +118,17 @@ void ControlServer::leaveRoom(Session &session)
     session.setRoom(nullptr);
     m_relay.setRoom(session.account().id, {});
     sendUserList(*room);
+}
+
+/// Like leaveRoom(), for one who stays connected: a client keys its radio by the user list alone, and would keep it
+/// keyed for a talker whom it hears no more.
+void ControlServer::showOut(Session &session)
+{
+    if (!session.room())
+        return;
+    const QString empty = session.room()->emptyUserList();
+    leaveRoom(session);
+    session.send(empty);
 }
 
 void ControlServer::startTransmission(Session &session, const Command &command)

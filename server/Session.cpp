@@ -39,8 +39,13 @@ void Session::logIn(const Account &account, const QString &hwid)
 
 void Session::send(const QString &line)
 {
+    if (m_isDropped)
+        return;
     if (m_socket->bytesToWrite() > (m_account.admin ? kUnsentLimitAdmin : kUnsentLimit)) {
-        m_socket->abort();
+        // Not at once: whoever sends to many walks through a list, and the loss would take this one out of it.
+        m_isDropped = true;
+        QMetaObject::invokeMethod(
+            m_socket, [this] { m_socket->abort(); }, Qt::QueuedConnection);
         return;
     }
     m_socket->write(line.toUtf8() + "\r\n");
@@ -74,7 +79,7 @@ void Session::onReadyRead()
         }
         if (!line.isEmpty())
             emit lineReceived(line);
-        if (!self || m_socket->state() != QAbstractSocket::ConnectedState)
+        if (!self || m_isDropped || m_socket->state() != QAbstractSocket::ConnectedState)
             return;
     }
     m_buffer.remove(0, begin);

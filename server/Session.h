@@ -36,7 +36,7 @@ public:
     /// The stored account changed.
     void setAccount(const Account &account) { m_account = account; }
     void setRoom(Room *room) { m_room = room; }
-    /// One line, with its line end added.
+    /// One line, with its line end added. Nobody is lost by it before the event loop runs again.
     void send(const QString &line);
     /// Closes the connection after what was sent.
     void close();
@@ -56,4 +56,5 @@ private:
     Room *m_room = nullptr;
     QElapsedTimer m_clock;
     double m_credit = kBurst; ///< lines that may still come at once
+    bool m_isDropped = false; ///< it reads too little; its connection is about to end
 };

@@ -15,6 +15,7 @@ QJsonObject userRecord(const Account &account, bool online)
             {QStringLiteral("whatsapp"), account.whatsapp},
             {QStringLiteral("status"), account.status},
             {QStringLiteral("approved"), account.approved},
+            {QStringLiteral("is_muted"), account.muted},
             {QStringLiteral("is_admin"), account.admin},
             {QStringLiteral("license_expiry"), account.expiry},
             {QStringLiteral("registered_hwid"), account.hwid},

@@ -37,10 +37,10 @@ QString passwordFrom(const QCommandLineParser &parser)
 int addUser(AccountStore *store, const QString &callsign, const QCommandLineParser &parser)
 {
     Account account;
-    account.callsign = cleanText(callsign).toUpper();
-    account.gatewayName = cleanText(parser.value(QStringLiteral("gateway")));
+    account.callsign = cleanName(callsign).toUpper();
+    account.gatewayName = cleanName(parser.value(QStringLiteral("gateway")));
     account.name =
-        cleanText(parser.isSet(QStringLiteral("name")) ? parser.value(QStringLiteral("name")) : account.callsign);
+        cleanName(parser.isSet(QStringLiteral("name")) ? parser.value(QStringLiteral("name")) : account.callsign);
     account.approved = true; // whoever runs this has decided
     account.passwordHash = Passwords::hash(passwordFrom(parser));
     if (account.callsign.isEmpty() || account.callsign.contains(QLatin1Char(' ')))
@@ -167,7 +167,7 @@ int serve(AccountStore *store, const QCommandLineParser &parser)
     options.udpPort = parser.value(QStringLiteral("udp-port")).toUShort();
     options.rooms = parser.values(QStringLiteral("room"));
     options.autoApprove = parser.isSet(QStringLiteral("auto-approve"));
-    if (options.rooms.isEmpty() && store->rooms().isEmpty())
+    if (options.rooms.isEmpty())
         options.rooms.append(QStringLiteral("== LOBBY ==")); // what a new client asks for
     WebSite::Content content;
     QString error;
@@ -219,7 +219,9 @@ void describe(QCommandLineParser *parser)
            "file");
     flag("registry-quoted", "Answers registry requests with one quoted text, escapes and all.");
     flag("auto-approve", "Gateways that register may transmit at once; without it they wait for an administrator.");
-    option("room", "A room that is made where missing; may be repeated. Where there is none, \"== LOBBY ==\".", "name");
+    option("room",
+           "A room of a new database, by default \"== LOBBY ==\"; may be repeated. One that has rooms keeps them.",
+           "name");
     option("password", "add-user, set-password: the password.", "text");
     option("name", "add-user: the name of the person responsible.", "text");
     option("gateway", "add-user: the name of the gateway station.", "text");

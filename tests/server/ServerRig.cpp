@@ -2,6 +2,9 @@
 
 #include "server/Passwords.h"
 
+#include <QSqlDatabase>
+#include <QSqlError>
+#include <QSqlQuery>
 #include <QTest>
 
 RawClient::RawClient(const ControlServer &server)
@@ -83,17 +86,22 @@ ServerRig::ServerRig(bool autoApprove)
     : m_autoApprove(autoApprove)
 {
     static_cast<void>(Passwords::initialize());
-    static const QByteArray hash = Passwords::hash(QStringLiteral("secret"));
     start();
     for (const char *callsign : {"YB1A", "YB2B", "YB3C", "YB4D"}) {
         Account account;
         account.callsign = QString::fromLatin1(callsign);
         account.name = QStringLiteral("Op ") + account.callsign;
-        account.passwordHash = hash;
+        account.passwordHash = passwordHash();
         account.approved = true;
         account.admin = account.callsign == QLatin1String("YB4D");
         static_cast<void>(m_store->add(&account));
     }
+}
+
+QByteArray ServerRig::passwordHash()
+{
+    static const QByteArray hash = Passwords::hash(QStringLiteral("secret"));
+    return hash;
 }
 
 void ServerRig::start()
@@ -104,6 +112,7 @@ void ServerRig::start()
         QTest::qFail(qPrintable(error), __FILE__, __LINE__);
     m_server = std::make_unique<ControlServer>(m_store.get());
     m_server->setClock([this] { return now; });
+    m_server->setToday([this] { return today; });
     ControlServer::Options options;
     options.address = QStringLiteral("127.0.0.1");
     options.port = 0;
@@ -119,6 +128,19 @@ void ServerRig::restart()
     m_server.reset();
     m_store.reset();
     start();
+}
+
+void ServerRig::execute(const QString &sql)
+{
+    const QString connection = QStringLiteral("rig");
+    {
+        QSqlDatabase database = QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), connection);
+        database.setDatabaseName(m_folder.filePath(QStringLiteral("club.sqlite")));
+        QSqlQuery query(database);
+        if (!database.open() || !query.exec(sql))
+            QTest::qFail(qPrintable(database.lastError().text() + query.lastError().text()), __FILE__, __LINE__);
+    }
+    QSqlDatabase::removeDatabase(connection);
 }
 
 void ServerRig::change(const QString &callsign, const std::function<void(Account &)> &change)

@@ -2,6 +2,7 @@
 
 #include "server/ControlServer.h"
 
+#include <QDate>
 #include <QStringList>
 #include <QTcpSocket>
 #include <QTemporaryDir>
@@ -24,6 +25,8 @@ public:
     /// Logs in; the whole LOGIN_OK or LOGIN_FAILED line.
     [[nodiscard]] QString login(const QString &callsign, const QString &password = QStringLiteral("secret"),
                                 const QString &hwid = QStringLiteral("pc"));
+    /// From now on what the server sends stays unread.
+    void stopReading() { m_tcp.setReadBufferSize(1); }
     [[nodiscard]] bool isConnected() const { return m_tcp.state() == QAbstractSocket::ConnectedState; }
     /// Sends a token (or any other text) by UDP and waits for an answer.
     [[nodiscard]] QByteArray sendUdp(const QByteArray &datagram);
@@ -53,8 +56,13 @@ public:
     [[nodiscard]] std::unique_ptr<RawClient> client() { return std::make_unique<RawClient>(*m_server); }
     void change(const QString &callsign, const std::function<void(Account &)> &change);
     void restart();
+    /// Of "secret".
+    [[nodiscard]] static QByteArray passwordHash();
+    /// Does something to the database file itself, past the server.
+    void execute(const QString &sql);
 
     qint64 now = 1000; ///< the server's clock, in milliseconds
+    QDate today = QDate::currentDate();
 
 private:
     void start();

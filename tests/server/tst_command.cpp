@@ -64,17 +64,20 @@ void CommandTest::cleanTexts_data()
 {
     QTest::addColumn<QString>("text");
     QTest::addColumn<QString>("clean");
-    QTest::newRow("plain") << q("Bukit Tinggi") << q("Bukit Tinggi");
-    QTest::newRow("separators") << q("a|b,c;d\"e") << q("a b c d e");
-    QTest::newRow("line ends") << q("a\r\nKICKED|x\tb") << q("a KICKED x b");
-    QTest::newRow("blanks") << q("  a   b ") << q("a b");
-    QTest::newRow("too long") << QString(500, QLatin1Char('x')) << QString(200, QLatin1Char('x'));
+    QTest::addColumn<QString>("name");
+    QTest::newRow("plain") << q("Bukit Tinggi") << q("Bukit Tinggi") << q("Bukit Tinggi");
+    QTest::newRow("separators") << q("a|b,c;d\"e") << q("a b,c;d e") << q("a b c d e");
+    QTest::newRow("line ends") << q("a\r\nKICKED|x\tb") << q("a KICKED x b") << q("a KICKED x b");
+    QTest::newRow("blanks") << q("  a   b ") << q("a b") << q("a b");
+    const QString limit(200, QLatin1Char('x'));
+    QTest::newRow("too long") << QString(500, QLatin1Char('x')) << limit << limit;
 }
 
 void CommandTest::cleanTexts()
 {
     QFETCH(QString, text);
     QTEST(cleanText(text), "clean");
+    QTEST(cleanName(text), "name");
 }
 
 EVOX_TEST_MAIN(CommandTest, QCoreApplication)

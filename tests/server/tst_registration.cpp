@@ -52,7 +52,7 @@ void RegistrationTest::everyFieldFindsItsPlace()
     QCOMPARE(account.callsign, q("YH0GW"));
     QCOMPARE(account.frequency, q("145.500 MHz"));
     QCOMPARE(account.expiry, q("2027-12-31"));
-    QCOMPARE(account.location, q("Jl. Mawar 1 Bandung"));
+    QCOMPARE(account.location, q("Jl. Mawar 1, Bandung"));
     QCOMPARE(account.name, q("Sari Dewi"));
     QCOMPARE(account.responsibleCallsign, q("YB0ABC"));
     QCOMPARE(account.email, q("sari@example"));
@@ -83,12 +83,14 @@ void RegistrationTest::textsAreCleaned()
     sent.callsign = q(" yh0gw ");
     sent.responsibleCallsign = q("yb0abc");
     sent.gatewayName = q(" RF|GW;\t1,2 ");
+    sent.frequency = q("146,440 | 88,5;\tMHz");
     sent.password = q("p|w;,%1");
     const Registration registration = read(sent);
     QCOMPARE(registration.refusal, QString());
     QCOMPARE(registration.account.callsign, q("YH0GW"));
     QCOMPARE(registration.account.responsibleCallsign, q("YB0ABC"));
     QCOMPARE(registration.account.gatewayName, q("RF GW 1 2"));
+    QCOMPARE(registration.account.frequency, q("146,440 88,5; MHz"));
     QVERIFY2(registration.password == sent.password, "a login sends it as it was typed");
 }
 

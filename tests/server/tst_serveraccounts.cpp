@@ -233,11 +233,12 @@ void ServerAccountsTest::editsTheOwnRecordOnly()
     QCOMPARE(client->answer(q("ADMIN_UPDATE_USER 1") + fields, q("ADMIN_UPDATE")), q("ADMIN_UPDATE_USER_OK"));
     const Account account = *rig.store().account(q("YB1A"));
     QCOMPARE(account.name, q("Ani x"));
-    QCOMPARE(account.gatewayName, q("Bukit"));
+    QCOMPARE(account.gatewayName, QString());
     QCOMPARE(account.whatsapp, q("0812"));
     QVERIFY2(!account.approved && !account.admin, "nobody approves himself");
     QCOMPARE(client->answer(q("ADMIN_UPDATE_USER 2") + fields, q("ERROR")), q("ERROR|Hanya untuk administrator"));
     QCOMPARE(rig.store().account(q("YB2B"))->name, q("Op YB2B"));
+    QCOMPARE(client->answer(q("ADMIN_UPDATE_USER 99") + fields, q("ERROR")), q("ERROR|Hanya untuk administrator"));
 }
 
 void ServerAccountsTest::surviesARestart()

@@ -160,6 +160,9 @@ void ServerProgramTest::namedRoomsAreAllThereIs()
                 .isEmpty());
     QVERIFY(start({q("--room"), q("Utara"), q("--room"), q("Selatan")}));
     QCOMPARE(roomsAfterLogin(), q("Utara,Selatan"));
+    m_program = std::make_unique<ChildProcess>();
+    QVERIFY(start({q("--room"), q("Utara"), q("--room"), q("Timur")}));
+    QCOMPARE(roomsAfterLogin(), q("Utara,Selatan")); // from the second start on they are an administrator's
 }
 
 void ServerProgramTest::webPort_data()

@@ -59,7 +59,7 @@ constexpr Deed kDeeds[] = {
     {"ADMIN_MOVE 1 Alpha", "moved YB1A to Alpha"},
     {"ADMIN_SET_AUDIO_QUALITY low", "set the audio quality to low"},
     {"ADMIN_CREATE_ROOM \"Bravo\" 5", "created the room Bravo"},
-    {"ADMIN_EDIT_ROOM \"Alpha\" \"Beta\" 5 \"\"", "edited the room Beta"},
+    {"ADMIN_EDIT_ROOM \"Alpha\" \"Beta\" 5 \"\"", "edited the room Alpha: Beta, at most 5"},
     {"ADMIN_SET_ROOM_ORDER Bravo|Lobby", "ordered the rooms"},
     {"ADMIN_DELETE_ROOM \"Beta\"", "deleted the room Beta"},
 };
@@ -86,8 +86,9 @@ void ServerRightsTest::cleanup()
 
 void ServerRightsTest::unknownUsers()
 {
-    for (const char *command : {"ADMIN_BAN 99", "ADMIN_APPROVE_USER x", "ADMIN_RESET_HWID", "ADMIN_DELETE_USER -1",
-                                "ADMIN_RESET_PASSWORD 99 \"x\"", "ADMIN_UPDATE_USER 99", "ADMIN_MUTE 99 1"})
+    for (const char *command :
+         {"ADMIN_BAN 99", "ADMIN_UPDATE_USER 1x", "ADMIN_APPROVE_USER x", "ADMIN_RESET_HWID", "ADMIN_DELETE_USER -1",
+          "ADMIN_RESET_PASSWORD 99 \"x\"", "ADMIN_UPDATE_USER 99", "ADMIN_MUTE 99 1"})
         QCOMPARE(m_admin->answer(q(command), q("ERROR")), q("ERROR|User tidak ditemukan"));
 }
 
@@ -144,6 +145,7 @@ void ServerRightsTest::ownAccountIsSafe_data()
     QTest::newRow("no administrator") << edit.arg(q("active"), q("0"));
     QTest::newRow("suspended") << edit.arg(q("suspended"), q("1"));
     QTest::newRow("banned") << edit.arg(q("banned"), q("1"));
+    QTest::newRow("a permit that has ended") << edit.arg(q("active"), q("1")).replace(q("\"\""), q("\"2001-01-01\""));
 }
 
 void ServerRightsTest::ownAccountIsSafe()
