@@ -40,7 +40,7 @@ PrivateHome::PrivateHome()
 
     m_private->hive = QStringLiteral("Software\\e-VOX SINAR tests\\%1").arg(QCoreApplication::applicationPid());
     HKEY hive = nullptr;
-    if (RegCreateKeyExW(HKEY_CURRENT_USER, wide(m_private->hive), 0, nullptr, REG_OPTION_VOLATILE, KEY_ALL_ACCESS,
+    if (RegCreateKeyExW(HKEY_CURRENT_USER, wide(m_private->hive), 0, nullptr, REG_OPTION_NON_VOLATILE, KEY_ALL_ACCESS,
                         nullptr, &hive, nullptr) != ERROR_SUCCESS ||
         RegOverridePredefKey(HKEY_CURRENT_USER, hive) != ERROR_SUCCESS)
         qFatal("no registry of its own");
