@@ -183,6 +183,7 @@ private:
     };
     QList<HwidRequest> m_hwidRequests; ///< of this session, for a panel that is opened later
     QPointer<AdminPanel> m_adminPanel; ///< while it is open
+    QVariantMap m_serverInfo;          ///< as the server last told it on this connection
     QVariantMap m_ownProfile;          ///< the own account as the server last told it; empty before
     QString m_infoRequest;             ///< callsign whose record was asked for
     int m_wrongPasswords = 0;

@@ -79,6 +79,7 @@ void MainWindow::showAdminPanel()
         m_adminPanel->setAttribute(Qt::WA_DeleteOnClose);
         for (const HwidRequest &request : qAsConst(m_hwidRequests))
             m_adminPanel->addHwidRequest(request.details, request.when);
+        m_adminPanel->showServerInfo(m_serverInfo);
         connect(m_adminPanel, &AdminPanel::hwidRequestSettled, this, &MainWindow::forgetHwidRequest);
     }
     m_adminPanel->show();

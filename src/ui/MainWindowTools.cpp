@@ -127,6 +127,7 @@ void MainWindow::onUserInfoReceived(const QVariantMap &info)
 
 void MainWindow::onServerInfo(const QVariantMap &info)
 {
+    m_serverInfo = info;
     const auto number = [&info](const char *key) { return info.value(QLatin1String(key)).toInt(); };
     m_controlPanel->updateServerInfo(textOf(info, "audio_codec", "Opus"), textOf(info, "audio_preset", "standard"),
                                      number("audio_bitrate"), number("audio_sample_rate"), textOf(info, "encryption"),

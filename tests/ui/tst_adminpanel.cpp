@@ -15,6 +15,7 @@
 #include <QPushButton>
 #include <QRadioButton>
 #include <QSignalSpy>
+#include <QSpinBox>
 #include <QTabWidget>
 #include <QTableView>
 
@@ -45,6 +46,7 @@ private slots:
     void requestIdFromTheUserList();
     void otherNotificationsAreNone();
     void deviceResetSettlesItsRequest();
+    void limitsEndWithTheConnection();
     void connectionLostAndBack();
     void enterInAFieldPressesNoButton();
     void closesByKeyboard();
@@ -128,6 +130,7 @@ void AdminPanelTest::fill()
     open();
     m_server->send(q("ONLINE_USERS|7,YH1A,Ani,Lobby,False;9,YB3C,Budi,Alpha,True"));
     m_server->send(q("ROOMS|Lobby,Alpha,Ruang Dua"));
+    m_server->send(q("SERVER_INFO|{\"room_limits\":{\"Lobby\":0,\"Alpha\":25,\"Ruang Dua\":7}}"));
     m_server->send(q("ADMIN_ALL_USERS|") + q(kUsers));
     m_server->send(q("ADMIN_PENDING|[{\"id\":8,\"callsign\":\"YB2B\",\"name\":\"Siti\",\"email\":\"s@example.org\"}]"));
     m_server->send(q("AUDIO_QUALITY|low|16000|24000|20|5"));
@@ -215,7 +218,7 @@ void AdminPanelTest::slotsReachTheirTabs_data()
     QTest::newRow("delete user") << q("onDeleteUser") << q("ADMIN_DELETE_USER 8");
     QTest::newRow("audio quality") << q("onApplyAudioQuality") << q("ADMIN_SET_AUDIO_QUALITY low");
     QTest::newRow("delete room") << q("onDeleteRoom") << q("ADMIN_DELETE_ROOM \"Alpha\"");
-    QTest::newRow("edit room") << q("onEditRoom") << q("ADMIN_EDIT_ROOM \"Alpha\" \"Alpha\" 0 \"\"");
+    QTest::newRow("edit room") << q("onEditRoom") << q("ADMIN_EDIT_ROOM \"Alpha\" \"Alpha\" 25 \"\"");
     QTest::newRow("refresh") << q("onRefreshAll") << kRefresh.join(QLatin1Char('\n'));
 }
 
@@ -355,6 +358,20 @@ void AdminPanelTest::deviceResetSettlesItsRequest()
     QTRY_COMPARE(title(HwidRequests), q("HWID Requests (1) !"));
     QVERIFY(m_server->waitForLine(q("ADMIN_PENDING"))); // the table is to show it
     QCOMPARE(sent(), kRefresh);
+}
+
+void AdminPanelTest::limitsEndWithTheConnection()
+{
+    fill();
+    find<QListWidget>("roomsList")->setCurrentRow(1);
+    const auto *maximum = find<QSpinBox>("roomMaximumSpin");
+    QCOMPARE(maximum->text(), q("25"));
+    m_server->send(q("SERVER_INFO|{\"total_rooms\":3}")); // says nothing of them
+    m_server->send(q("AUDIO_QUALITY|high|64000|48000|20|5"));
+    QTRY_VERIFY(find<QRadioButton>("audioQuality_high")->isChecked());
+    QCOMPARE(maximum->text(), q("25"));
+    m_server->drop();
+    QTRY_COMPARE(maximum->text(), q("Unknown"));
 }
 
 void AdminPanelTest::connectionLostAndBack()

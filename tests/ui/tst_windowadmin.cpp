@@ -4,6 +4,8 @@
 #include "ui/admin/AdminPanel.h"
 
 #include <QApplication>
+#include <QLineEdit>
+#include <QListWidget>
 #include <QTabWidget>
 
 namespace {
@@ -29,6 +31,7 @@ private slots:
     void opensForAdministratorsOnly_data();
     void opensForAdministratorsOnly();
     void opensOnce();
+    void knowsLimitsFromBeforeItWasOpened();
     void listsRequestsFromBeforeItWasOpened();
     void forgetsWhatWasSettled();
 };
@@ -59,6 +62,31 @@ void WindowAdminTest::opensOnce()
     QCOMPARE(rig.window().findChildren<AdminPanel *>().size(), 1);
     rig.window().findChild<AdminPanel *>()->close();
     QTRY_VERIFY(!rig.window().findChild<AdminPanel *>());
+}
+
+void WindowAdminTest::knowsLimitsFromBeforeItWasOpened()
+{
+    WindowRig rig;
+    QVERIFY(rig.openAndLogIn(true));
+    rig.server.send(q("ROOMS|Lobby,Alpha"));
+    rig.server.send(q("SERVER_INFO|{\"total_rooms\":2,\"room_limits\":{\"Lobby\":0,\"Alpha\":25}}"));
+    rig.server.send(q("ERROR|end"));
+    QTRY_COMPARE(rig.status(), q("Error: end"));
+    rig.server.clear();
+    for (int opened = 0; opened < 2; ++opened) {
+        rig.action("adminPanel")->trigger();
+        auto *panel = rig.window().findChild<AdminPanel *>();
+        auto *rooms = panel->findChild<QListWidget *>(q("roomsList"));
+        rig.server.send(q("ROOMS|Lobby,Alpha"));
+        QTRY_COMPARE(rooms->count(), 2);
+        rooms->setCurrentRow(1);
+        panel->findChild<QLineEdit *>(q("roomNameEdit"))->setText(q("Beta"));
+        panel->onEditRoom();
+        QVERIFY(rig.server.waitForLine(q("ADMIN_EDIT_ROOM \"Alpha\" \"Beta\" 25 \"\"")));
+        rig.server.clear();
+        panel->close();
+        QTRY_VERIFY(!rig.window().findChild<AdminPanel *>());
+    }
 }
 
 void WindowAdminTest::listsRequestsFromBeforeItWasOpened()

@@ -115,6 +115,7 @@ void AdminPanel::connectClient()
     connect(client, &TcpClient::onlineUsersReceived, m_onlineUsers, &OnlineUsersTab::showUsers);
     connect(client, &TcpClient::roomListReceived, m_onlineUsers, &OnlineUsersTab::showRooms);
     connect(client, &TcpClient::roomListReceived, m_rooms, &RoomsTab::showRooms);
+    connect(client, &TcpClient::serverInfoReceived, this, &AdminPanel::showServerInfo);
     connect(client, &TcpClient::allUsersReceived, m_allUsers, &AllUsersTab::showUsers);
     connect(client, &TcpClient::registerResult, m_allUsers, &AllUsersTab::onRegisterResult);
     connect(client, &TcpClient::pendingUsersReceived, m_pending, &PendingTab::showUsers);
@@ -123,7 +124,10 @@ void AdminPanel::connectClient()
     connect(client, &TcpClient::hwidReset, m_refresh, QOverload<>::of(&QTimer::start));
     connect(client, &TcpClient::adminNotification, this, &AdminPanel::onAdminNotification);
     connect(client, &TcpClient::connected, this, [this] { showConnection(true); });
-    connect(client, &TcpClient::disconnected, this, [this] { showConnection(false); });
+    connect(client, &TcpClient::disconnected, this, [this] {
+        showConnection(false);
+        m_rooms->showLimits({}); // they may change meanwhile; the server tells them again
+    });
     // The connection is back, and what the tabs show may be hours old.
     connect(client, &TcpClient::loginResult, this, [this](bool success) {
         if (success)
@@ -205,6 +209,12 @@ void AdminPanel::onEditRoom()
 void AdminPanel::onFilterAllUsers()
 {
     m_allUsers->onFilterAllUsers();
+}
+
+void AdminPanel::showServerInfo(const QVariantMap &info)
+{
+    if (const auto limits = RoomLimits::read(info))
+        m_rooms->showLimits(*limits);
 }
 
 void AdminPanel::addHwidRequest(const QString &details, const QDateTime &when)

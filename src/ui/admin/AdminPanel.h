@@ -3,6 +3,7 @@
 #include <QDateTime>
 #include <QDialog>
 #include <QPointer>
+#include <QVariantMap>
 
 class AllUsersTab;
 class AudioQualityTab;
@@ -39,6 +40,8 @@ public slots:
     void onDeleteRoom();
     void onEditRoom();
     void onFilterAllUsers();
+    /// What the rooms take at most, from a "SERVER_INFO" record; one that does not say so changes nothing.
+    void showServerInfo(const QVariantMap &info);
     /// A device-reset request, @p details as TcpClient::adminNotification() tells them. Those that come while the panel
     /// exists it lists itself.
     void addHwidRequest(const QString &details, const QDateTime &when);
