@@ -10,6 +10,7 @@
 #include "ui/MainActions.h"
 #include "ui/Theme.h"
 #include "ui/UpdateCheck.h"
+#include "ui/admin/HwidRequests.h"
 #include "ui/room/RoomPanel.h"
 #include "ui/status/ControlPanel.h"
 
@@ -75,6 +76,7 @@ MainWindow::MainWindow(const Endpoints &endpoints, Prompts &prompts)
     m_actions = new MainActions(this);
     m_updateCheck = new UpdateCheck(
         endpoints.webUrl, prompts, [](const QUrl &url) { QDesktopServices::openUrl(url); }, this);
+    m_hwidRequests = new HwidRequests(m_client, this);
     createPanels();
     createStatusBar();
     setUpTimers();

@@ -8,6 +8,7 @@
 #include "ui/MainWindow.h"
 #include "ui/Theme.h"
 #include "ui/account/UserInfoDialog.h"
+#include "ui/admin/ShownText.h"
 #include "ui/room/RoomPanel.h"
 #include "ui/status/ControlPanel.h"
 
@@ -25,8 +26,7 @@ constexpr int kDefaultBitrate = 32000;
 constexpr int kDefaultSampleRate = 48000;
 constexpr int kDefaultFrameDuration = 20; // milliseconds
 constexpr int kDefaultComplexity = 5;
-constexpr int kNoticeTime = 30000;  // milliseconds
-constexpr int kMostRequests = 1000; ///< device resets that are kept for the administrator
+constexpr int kNoticeTime = 30000; // milliseconds
 
 QString textOf(const QVariantMap &record, const char *key, const char *fallback = "")
 {
@@ -179,8 +179,6 @@ void MainWindow::onAdminNotification(const QString &type, const QString &message
 {
     if (type != QLatin1String("HWID_RESET_REQUEST"))
         return;
-    if (m_hwidRequests.size() < kMostRequests)
-        m_hwidRequests.append({message, QDateTime::currentDateTime()});
-    const QString callsign = message.section(QLatin1Char(':'), 0, 0);
+    const QString callsign = shownText(message.section(QLatin1Char(':'), 0, 0));
     showStatus(QStringLiteral("HWID Reset Request dari: %1 (lihat tab HWID Requests)").arg(callsign), kNoticeTime);
 }

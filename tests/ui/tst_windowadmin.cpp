@@ -21,6 +21,19 @@ QString requestsTitle(const AdminPanel *panel)
     return tabs->tabText(tabs->count() - 1);
 }
 
+AdminPanel *openPanel(const WindowRig &rig)
+{
+    rig.action("adminPanel")->trigger();
+    return rig.window().findChild<AdminPanel *>();
+}
+
+void closePanel(const WindowRig &rig)
+{
+    if (auto *panel = rig.window().findChild<AdminPanel *>())
+        panel->close();
+    QTRY_VERIFY(!rig.window().findChild<AdminPanel *>());
+}
+
 } // namespace
 
 class WindowAdminTest final : public QObject
@@ -33,7 +46,10 @@ private slots:
     void opensOnce();
     void knowsLimitsFromBeforeItWasOpened();
     void listsRequestsFromBeforeItWasOpened();
+    void forgetsWhatWasSettled_data();
     void forgetsWhatWasSettled();
+    void requestsOverAReconnect_data();
+    void requestsOverAReconnect();
 };
 
 void WindowAdminTest::opensForAdministratorsOnly_data()
@@ -93,29 +109,85 @@ void WindowAdminTest::listsRequestsFromBeforeItWasOpened()
 {
     WindowRig rig;
     QVERIFY(rig.openAndLogIn(true));
-    emit rig.service<TcpClient>()->adminNotification(q("HWID_RESET_REQUEST"), q("YH0AB|7"));
-    emit rig.service<TcpClient>()->adminNotification(q("OTHER"), q("YH0AC|8"));
+    emit rig.service<TcpClient>()->adminNotification(q("HWID_RESET_REQUEST"), q("YH0AB:7"));
+    emit rig.service<TcpClient>()->adminNotification(q("OTHER"), q("YH0AC:8"));
     rig.action("adminPanel")->trigger();
     QCOMPARE(requestsTitle(rig.window().findChild<AdminPanel *>()), q("HWID Requests (1) !"));
     // One that comes now is listed once.
-    emit rig.service<TcpClient>()->adminNotification(q("HWID_RESET_REQUEST"), q("YH0AD|9"));
+    emit rig.service<TcpClient>()->adminNotification(q("HWID_RESET_REQUEST"), q("YH0AD:9"));
     QCOMPARE(requestsTitle(rig.window().findChild<AdminPanel *>()), q("HWID Requests (2) !"));
 }
 
+void WindowAdminTest::forgetsWhatWasSettled_data()
+{
+    QTest::addColumn<QString>("way");
+    for (const char *way : {"approved", "dismissed", "reset elsewhere", "reset elsewhere, panel closed"})
+        QTest::newRow(way) << q(way);
+}
+
+/// In a panel, which is then closed and opened again.
 void WindowAdminTest::forgetsWhatWasSettled()
 {
+    QFETCH(QString, way);
     WindowRig rig;
     QVERIFY(rig.openAndLogIn(true));
-    emit rig.service<TcpClient>()->adminNotification(q("HWID_RESET_REQUEST"), q("YH0AB|7"));
-    rig.action("adminPanel")->trigger();
-    auto *panel = rig.window().findChild<AdminPanel *>();
-    emit rig.service<TcpClient>()->adminNotification(q("HWID_RESET_REQUEST"), q("YH0AD|9"));
-    // The panel has a time of its own for what came while it was open.
-    emit panel->hwidRequestSettled(q("YH0AD|9"), QDateTime::currentDateTime().addSecs(3));
-    panel->close();
-    QTRY_VERIFY(!rig.window().findChild<AdminPanel *>());
-    rig.action("adminPanel")->trigger();
-    QCOMPARE(requestsTitle(rig.window().findChild<AdminPanel *>()), q("HWID Requests (1) !"));
+    rig.server.send(q("ADMIN_NOTIFICATION|HWID_RESET_REQUEST|YH0AB|7"));
+    rig.server.send(q("ERROR|end"));
+    QTRY_COMPARE(rig.status(), q("Error: end"));
+    AdminPanel *panel = openPanel(rig);
+    rig.server.send(q("ADMIN_NOTIFICATION|HWID_RESET_REQUEST|YH0AD|9"));
+    QTRY_COMPARE(requestsTitle(panel), q("HWID Requests (2) !"));
+    if (way == q("reset elsewhere, panel closed"))
+        closePanel(rig);
+    if (way.startsWith(q("reset elsewhere"))) {
+        rig.server.send(q("ADMIN_RESET_HWID_OK|YH0AD"));
+    } else {
+        auto *list = panel->findChild<QListWidget *>(q("hwidRequestsList"));
+        list->setCurrentRow(1);
+        if (way == q("approved"))
+            rig.prompts.accept();
+        panel->findChild<QAction *>(way == q("approved") ? q("approveHwidAction") : q("dismissHwidAction"))->trigger();
+    }
+    rig.server.send(q("ERROR|settled"));
+    QTRY_COMPARE(rig.status(), q("Error: settled"));
+    closePanel(rig);
+    panel = openPanel(rig);
+    QCOMPARE(requestsTitle(panel), q("HWID Requests (1) !"));
+    QVERIFY(panel->findChild<QListWidget *>(q("hwidRequestsList"))->item(0)->text().startsWith(q("YH0AB  |  ")));
+}
+
+void WindowAdminTest::requestsOverAReconnect_data()
+{
+    QTest::addColumn<bool>("isOpen"); // the panel, meanwhile
+    QTest::newRow("panel open") << true;
+    QTest::newRow("panel closed") << false;
+}
+
+/// The server tells everything that is open at every login.
+void WindowAdminTest::requestsOverAReconnect()
+{
+    QFETCH(bool, isOpen);
+    WindowRig rig;
+    rig.server.answer(q("LOGIN "), {WindowRig::loginOk(true), q("ADMIN_NOTIFICATION|HWID_RESET_REQUEST|YH0AB|7"),
+                                    q("ADMIN_NOTIFICATION|HWID_RESET_REQUEST|YH0AD|9")});
+    rig.server.answer(q("ROOMS"), {q("ROOMS|Lobby")});
+    rig.open();
+    QTRY_VERIFY(rig.showed(q("Rooms loaded: 1")));
+    AdminPanel *panel = openPanel(rig);
+    QCOMPARE(requestsTitle(panel), q("HWID Requests (2) !"));
+    auto *list = panel->findChild<QListWidget *>(q("hwidRequestsList"));
+    list->setCurrentRow(0);
+    panel->findChild<QAction *>(q("dismissHwidAction"))->trigger();
+    if (!isOpen)
+        closePanel(rig);
+    rig.server.clear();
+    rig.server.drop();
+    QVERIFY(rig.server.waitForLine(q("USER_GET_PROFILE")));
+    rig.server.send(q("ERROR|end"));
+    QTRY_COMPARE(rig.status(), q("Error: end"));
+    panel = openPanel(rig);
+    QCOMPARE(requestsTitle(panel), q("HWID Requests (1) !"));
+    QVERIFY(panel->findChild<QListWidget *>(q("hwidRequestsList"))->item(0)->text().startsWith(q("YH0AD  |  ")));
 }
 
 EVOX_TEST_MAIN(WindowAdminTest, QApplication)

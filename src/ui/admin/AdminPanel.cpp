@@ -5,6 +5,7 @@
 #include "ui/Prompts.h"
 #include "ui/admin/AllUsersTab.h"
 #include "ui/admin/AudioQualityTab.h"
+#include "ui/admin/HwidRequests.h"
 #include "ui/admin/HwidRequestsTab.h"
 #include "ui/admin/OnlineUsersTab.h"
 #include "ui/admin/PendingTab.h"
@@ -26,9 +27,10 @@ constexpr std::chrono::milliseconds kRefreshDelay{500};
 
 } // namespace
 
-AdminPanel::AdminPanel(TcpClient *client, Prompts &prompts, QWidget *parent)
+AdminPanel::AdminPanel(TcpClient *client, Prompts &prompts, QWidget *parent, HwidRequests *requests)
     : QDialog(parent)
     , m_client(client)
+    , m_requests(requests ? requests : new HwidRequests(client, this))
     , m_refresh(new QTimer(this))
     , m_tabs(new QTabWidget(this))
     , m_onlineUsers(new OnlineUsersTab(this))
@@ -36,7 +38,7 @@ AdminPanel::AdminPanel(TcpClient *client, Prompts &prompts, QWidget *parent)
     , m_allUsers(new AllUsersTab(prompts, this))
     , m_audioQuality(new AudioQualityTab(prompts, this))
     , m_pending(new PendingTab(prompts, this))
-    , m_hwidRequests(new HwidRequestsTab(prompts, this))
+    , m_hwidRequests(new HwidRequestsTab(*m_requests, prompts, this))
     , m_notice(new QLabel(QStringLiteral("Not connected to the server"), this))
 {
     setObjectName(QStringLiteral("adminPanelDialog"));
@@ -103,7 +105,6 @@ void AdminPanel::connectTabs()
     connect(m_hwidRequests, &HwidRequestsTab::commandRequested, this, &AdminPanel::send);
     m_hwidRequests->setIdLookup([this](const QString &callsign) { return m_allUsers->idOf(callsign); });
     connect(m_hwidRequests, &HwidRequestsTab::countChanged, this, &AdminPanel::showRequestCount);
-    connect(m_hwidRequests, &HwidRequestsTab::requestSettled, this, &AdminPanel::hwidRequestSettled);
 }
 
 void AdminPanel::connectClient()
@@ -120,9 +121,7 @@ void AdminPanel::connectClient()
     connect(client, &TcpClient::registerResult, m_allUsers, &AllUsersTab::onRegisterResult);
     connect(client, &TcpClient::pendingUsersReceived, m_pending, &PendingTab::showUsers);
     connect(client, &TcpClient::audioQualityReceived, m_audioQuality, &AudioQualityTab::showQuality);
-    connect(client, &TcpClient::hwidReset, m_hwidRequests, &HwidRequestsTab::settleRequestsOf);
     connect(client, &TcpClient::hwidReset, m_refresh, QOverload<>::of(&QTimer::start));
-    connect(client, &TcpClient::adminNotification, this, &AdminPanel::onAdminNotification);
     connect(client, &TcpClient::connected, this, [this] { showConnection(true); });
     connect(client, &TcpClient::disconnected, this, [this] {
         showConnection(false);
@@ -219,13 +218,7 @@ void AdminPanel::showServerInfo(const QVariantMap &info)
 
 void AdminPanel::addHwidRequest(const QString &details, const QDateTime &when)
 {
-    m_hwidRequests->addRequest(details, when);
-}
-
-void AdminPanel::onAdminNotification(const QString &type, const QString &details)
-{
-    if (type == QLatin1String("HWID_RESET_REQUEST"))
-        addHwidRequest(details, QDateTime::currentDateTime());
+    m_requests->add(details, when);
 }
 
 void AdminPanel::showRequestCount(int count)

@@ -7,6 +7,7 @@
 
 class AllUsersTab;
 class AudioQualityTab;
+class HwidRequests;
 class HwidRequestsTab;
 class OnlineUsersTab;
 class PendingTab;
@@ -25,8 +26,9 @@ class AdminPanel final : public QDialog
     Q_DISABLE_COPY_MOVE(AdminPanel)
 
 public:
-    /// Asks for everything at once. Without a client the panel stays empty.
-    AdminPanel(TcpClient *client, Prompts &prompts, QWidget *parent = nullptr);
+    /// Asks for everything at once. Without a client the panel stays empty. The requests for a device reset may be
+    /// older than the panel, and outlive it; without them it has its own.
+    AdminPanel(TcpClient *client, Prompts &prompts, QWidget *parent = nullptr, HwidRequests *requests = nullptr);
 
 public slots:
     void onRefreshAll();
@@ -46,10 +48,6 @@ public slots:
     /// exists it lists itself.
     void addHwidRequest(const QString &details, const QDateTime &when);
 
-signals:
-    /// A device-reset request was approved or dismissed.
-    void hwidRequestSettled(const QString &details, const QDateTime &when);
-
 private:
     void layOut();
     void connectTabs();
@@ -57,11 +55,11 @@ private:
     void send(const QString &line);
     void approve(int userId);
     void revoke(int userId);
-    void onAdminNotification(const QString &type, const QString &details);
     void showRequestCount(int count);
     void showConnection(bool connected);
 
     QPointer<TcpClient> m_client;
+    HwidRequests *m_requests;
     QTimer *m_refresh;
     QTabWidget *m_tabs;
     OnlineUsersTab *m_onlineUsers;
