@@ -36,6 +36,8 @@ private slots:
     void needsAChosenUser_data();
     void needsAChosenUser();
     void focusAloneChoosesNobody();
+    void keyboardChooses_data();
+    void keyboardChooses();
     void actsOnTheChosenUser_data();
     void actsOnTheChosenUser();
     void aRecordWithoutIdIsLeftAlone_data();
@@ -136,6 +138,49 @@ void AllUsersTabTest::focusAloneChoosesNobody()
     m_rig->prompts.accept();
     m_rig->trigger(q("approveAction"));
     QCOMPARE(m_rig->lines, QStringList());
+}
+
+void AllUsersTabTest::keyboardChooses_data()
+{
+    QTest::addColumn<int>("key");
+    QTest::addColumn<int>("modifiers");
+    QTest::addColumn<int>("last"); // user of the list, the first is 11
+    QTest::addColumn<QString>("chosen");
+    const auto row = [](const char *name, Qt::Key key, Qt::KeyboardModifiers modifiers, int last, const char *chosen) {
+        QTest::newRow(name) << int(key) << int(modifiers) << last << q(chosen);
+    };
+    row("Home", Qt::Key_Home, {}, 13, "11");
+    row("Ctrl+Home", Qt::Key_Home, Qt::ControlModifier, 13, "11");
+    row("Up", Qt::Key_Up, {}, 13, "11");
+    row("Page Up", Qt::Key_PageUp, {}, 13, "11");
+    row("Down", Qt::Key_Down, {}, 13, "12");
+    row("Down, one row", Qt::Key_Down, {}, 11, "11");
+    row("Page Down, one row", Qt::Key_PageDown, {}, 11, "11");
+    row("Ctrl+End, one row", Qt::Key_End, Qt::ControlModifier, 11, "11");
+    row("menu key", Qt::Key_Menu, {}, 13, "11");
+    row("Shift+F10", Qt::Key_F10, Qt::ShiftModifier, 13, "11");
+    row("F10", Qt::Key_F10, {}, 13, "none");
+    row("Tab again", Qt::Key_Tab, {}, 13, "none");
+}
+
+/// After Tab into the table the first row is framed, and chosen by the next key that has to do with rows.
+void AllUsersTabTest::keyboardChooses()
+{
+    QFETCH(int, key);
+    QFETCH(int, modifiers);
+    QFETCH(int, last);
+    QFETCH(QString, chosen);
+    m_rig->tab->showUsers(users(11, last));
+    m_rig->tab->activateWindow();
+    QVERIFY(QTest::qWaitForWindowActive(m_rig->tab.get()));
+    m_rig->table()->setFocus(Qt::TabFocusReason);
+    QCOMPARE(m_rig->chosenId(), q("none"));
+    QTest::keyClick(m_rig->table(), static_cast<Qt::Key>(key), static_cast<Qt::KeyboardModifiers>(modifiers));
+    QCOMPARE(m_rig->chosenId(), chosen);
+    if (chosen == q("none"))
+        return;
+    m_rig->trigger(q("approveAction")); // a box would fail
+    QCOMPARE(m_rig->lines.value(0), q("approve ") + chosen);
 }
 
 void AllUsersTabTest::actsOnTheChosenUser_data()

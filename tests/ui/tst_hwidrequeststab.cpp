@@ -29,6 +29,7 @@ private slots:
     void idFromTheUserList();
     void dismisses();
     void dismissesByKeyboard();
+    void keyboardChooses();
     void resetElsewhereSettles();
     void nothingSelected();
     void menuOfTheSelectedItem_data();
@@ -221,6 +222,19 @@ void HwidRequestsTabTest::dismissesByKeyboard()
     QTest::keyClick(rig.list(), Qt::Key_Delete);
     QCOMPARE(rig.tab.count(), 0);
     QVERIFY(rig.tab.findChild<QLabel *>(q("emptyState"))->isVisible());
+}
+
+void HwidRequestsTabTest::keyboardChooses()
+{
+    Rig rig;
+    rig.add("YB1A:1");
+    QApplication::setActiveWindow(&rig.tab);
+    rig.list()->setFocus(Qt::TabFocusReason);
+    QVERIFY(!rig.action("approveHwidAction")->isEnabled());
+    QTest::keyClick(rig.list(), Qt::Key_Down);
+    QVERIFY(rig.action("approveHwidAction")->isEnabled());
+    QTest::keyClick(rig.list(), Qt::Key_Delete);
+    QCOMPARE(rig.tab.count(), 0);
 }
 
 void HwidRequestsTabTest::resetElsewhereSettles()

@@ -4,6 +4,7 @@
 #include "ui/Prompts.h"
 #include "ui/admin/EmptyState.h"
 #include "ui/admin/HwidRequests.h"
+#include "ui/admin/KeyboardChoice.h"
 #include "ui/admin/ShownText.h"
 
 #include <QAction>
@@ -54,6 +55,7 @@ HwidRequestsTab::HwidRequestsTab(HwidRequests &requests, Prompts &prompts, QWidg
     createActions();
     connect(m_list, &QListWidget::itemSelectionChanged, this, &HwidRequestsTab::onSelectionChanged);
     EmptyState::show(m_list, QStringLiteral("No HWID requests."));
+    new KeyboardChoice(m_list);
     connect(&m_requests, &HwidRequests::changed, this, &HwidRequestsTab::refill);
     refill();
 }

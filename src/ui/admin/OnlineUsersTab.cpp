@@ -1,6 +1,7 @@
 #include "ui/admin/OnlineUsersTab.h"
 
 #include "ui/admin/EmptyState.h"
+#include "ui/admin/KeyboardChoice.h"
 #include "ui/admin/OnlineUserModel.h"
 
 #include <QComboBox>
@@ -88,6 +89,7 @@ void OnlineUsersTab::createTable()
         m_table->setColumnWidth(column, kColumnWidths[column]);
     m_table->setSortingEnabled(true);
     m_table->sortByColumn(OnlineUserModel::Callsign, Qt::AscendingOrder);
+    new KeyboardChoice(m_table);
     showEmptyText();
 }
 

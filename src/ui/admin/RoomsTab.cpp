@@ -3,6 +3,7 @@
 #include "net/protocol/Commands.h"
 #include "ui/Prompts.h"
 #include "ui/admin/EmptyState.h"
+#include "ui/admin/KeyboardChoice.h"
 #include "ui/admin/ShownText.h"
 #include "ui/setup/InputRules.h"
 
@@ -105,6 +106,7 @@ QWidget *RoomsTab::createOrder()
     m_list->setDragDropMode(QAbstractItemView::InternalMove);
     m_list->setDefaultDropAction(Qt::MoveAction);
     EmptyState::show(m_list, QStringLiteral("No rooms."));
+    new KeyboardChoice(m_list);
     const auto moveBy = [this](const char *keys, int by) {
         auto *shortcut = new QShortcut(QKeySequence(QLatin1String(keys)), m_list);
         shortcut->setContext(Qt::WidgetShortcut);
