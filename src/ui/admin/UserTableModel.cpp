@@ -9,8 +9,6 @@ namespace {
 
 using Column = UserTableModel::Column;
 
-constexpr int kToTheMinute = 16; // characters of "yyyy-MM-dd hh:mm"
-
 struct Title
 {
     Column column;
@@ -48,7 +46,7 @@ QString textOf(const QVariantMap &user, Column column)
         return UserRecord::isApproved(user) ? QStringLiteral("Approved") : QStringLiteral("Not Approved");
     case Column::Expiry: return UserRecord::expiry(user);
     case Column::Location: return UserRecord::location(user);
-    case Column::LastLogin: return UserRecord::lastLogin(user).left(kToTheMinute);
+    case Column::LastLogin: return UserRecord::lastLogin(user);
     case Column::Device: return UserRecord::deviceText(user);
     case Column::Email: return UserRecord::email(user);
     case Column::WhatsApp: return UserRecord::whatsapp(user);
@@ -59,7 +57,7 @@ QString textOf(const QVariantMap &user, Column column)
 
 QString cellText(const QVariantMap &user, Column column)
 {
-    return shownText(textOf(user, column));
+    return shownText(column == Column::LastLogin ? UserRecord::localLastLogin(user) : textOf(user, column));
 }
 
 } // namespace
