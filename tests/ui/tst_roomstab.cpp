@@ -40,6 +40,7 @@ private slots:
     void unsavedOrderSurvivesARefresh_data();
     void unsavedOrderSurvivesARefresh();
     void refreshKeepsSelectionAndTyping();
+    void longNamesAreCut();
     void thousandsOfRooms();
     void mayGoWhileABoxIsOpen_data();
     void mayGoWhileABoxIsOpen();
@@ -403,6 +404,22 @@ void RoomsTabTest::refreshKeepsSelectionAndTyping()
     rig.tab.showRooms(names("New,Lobby"));
     QCOMPARE(rig.selected(), QString());
     QVERIFY(rig.find<QLabel>("roomHint")->isVisible());
+}
+
+void RoomsTabTest::longNamesAreCut()
+{
+    const QString name = q("A\nB\u2028C") + QString(1000000, QLatin1Char('W'));
+    Rig rig("");
+    rig.tab.showRooms({name, name + QLatin1Char('X')});
+    QCOMPARE(rig.list()->item(0)->text().size(), 200);
+    QVERIFY(rig.list()->item(0)->text().startsWith(q("A B CWW")));
+    QCOMPARE(rig.tab.rooms(), QStringList({name, name + QLatin1Char('X')}));
+    rig.select(1);
+    rig.prompts.accept();
+    rig.click("deleteRoomButton");
+    QVERIFY(rig.prompts.seen().first().text.size() < 300);
+    QVERIFY(rig.sent().first().endsWith(q("WX\""))); // which room it is nobody cuts
+    QVERIFY(!rig.tab.grab().isNull());
 }
 
 void RoomsTabTest::thousandsOfRooms()
