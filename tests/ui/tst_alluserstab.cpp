@@ -54,6 +54,8 @@ private slots:
     void addsAGateway();
     void anApprovalWaitsForTheNewList();
     void anApprovedGatewayIsApprovedOnce();
+    void gatewaysAreAnsweredInOrder();
+    void aNewConnectionAnswersNothingOld();
     void refusedGatewayIsReported();
     void otherRegistrationsAreNotItsOwn();
     void keyboardReachesEverything();
@@ -382,6 +384,38 @@ void AllUsersTabTest::anApprovedGatewayIsApprovedOnce()
     m_rig->tab->onRegisterResult(true, {});
     m_rig->tab->showUsers(with);
     QCOMPARE(m_rig->lines, QStringList());
+}
+
+void AllUsersTabTest::gatewaysAreAnsweredInOrder()
+{
+    m_rig->addGateway(q("YH1AA"), true);
+    m_rig->addGateway(q("YH2BB"), true);
+    m_rig->addGateway(q("YH3CC"), false);
+    m_rig->addGateway(q("YH4DD"), true);
+    m_rig->prompts.accept();
+    m_rig->tab->onRegisterResult(true, {});
+    m_rig->tab->onRegisterResult(false, q("no\n") + QString(1000000, QLatin1Char('W')));
+    QVERIFY(m_rig->prompts.seen().last().text.size() <= 200);
+    m_rig->tab->onRegisterResult(true, {});
+    m_rig->tab->onRegisterResult(true, {});
+    m_rig->lines.clear();
+    const auto listed = [](int id, const char *callsign) { return user(id, {{q("callsign"), q(callsign)}}); };
+    m_rig->tab->showUsers({listed(1, "YH1AA"), listed(2, "YH2BB"), listed(3, "YH3CC")});
+    QCOMPARE(m_rig->lines, (QStringList{q("approve 1"), q("refresh")}));
+    m_rig->lines.clear();
+    m_rig->tab->showUsers({listed(1, "YH1AA"), listed(2, "YH2BB"), listed(3, "YH3CC"), listed(4, "YH4DD")});
+    QCOMPARE(m_rig->lines, (QStringList{q("approve 4"), q("refresh")}));
+}
+
+void AllUsersTabTest::aNewConnectionAnswersNothingOld()
+{
+    m_rig->addGateway(q("YH1AA"), true); // lost with the connection
+    m_rig->tab->forgetRegistrations();
+    m_rig->addGateway(q("YH2BB"), true);
+    m_rig->tab->onRegisterResult(true, {});
+    m_rig->lines.clear();
+    m_rig->tab->showUsers({user(1, {{q("callsign"), q("YH1AA")}}), user(2, {{q("callsign"), q("YH2BB")}})});
+    QCOMPARE(m_rig->lines, (QStringList{q("approve 2"), q("refresh")}));
 }
 
 void AllUsersTabTest::refusedGatewayIsReported()
