@@ -173,6 +173,11 @@ void MainWindow::onUserProfile(const QVariantMap &profile)
         return;
     m_ownProfile = profile;
     onGatewayInfo(profile);
+    // The right may end while the connection lasts; it begins with a login only.
+    if (!profile.value(QStringLiteral("is_admin"), true).toBool()) {
+        m_actions->setAdmin(false);
+        m_roomPanel->setAdmin(false);
+    }
 }
 
 void MainWindow::onAdminNotification(const QString &type, const QString &message)

@@ -43,6 +43,7 @@ class WindowAdminTest final : public QObject
 private slots:
     void opensForAdministratorsOnly_data();
     void opensForAdministratorsOnly();
+    void closesWhenTheRightEnds();
     void opensOnce();
     void knowsLimitsFromBeforeItWasOpened();
     void listsRequestsFromBeforeItWasOpened();
@@ -67,6 +68,27 @@ void WindowAdminTest::opensForAdministratorsOnly()
     QCOMPARE(rig.action("adminPanel")->isEnabled(), admin);
     rig.window().showAdminPanel();
     QCOMPARE(rig.window().findChild<AdminPanel *>() != nullptr, admin);
+}
+
+void WindowAdminTest::closesWhenTheRightEnds()
+{
+    WindowRig rig;
+    QVERIFY(rig.openAndLogIn(true));
+    QVERIFY(openPanel(rig));
+    rig.server.send(q("USER_PROFILE|{\"id\":42,\"callsign\":\"") + WindowRig::kCall + q("\",\"is_admin\":false}"));
+    QTRY_VERIFY(!rig.window().findChild<AdminPanel *>());
+    QVERIFY(!rig.action("adminPanel")->isEnabled());
+    rig.server.clear();
+    rig.server.answer(q("LOGIN "), {WindowRig::loginOk(true)});
+    rig.server.drop();
+    QVERIFY(rig.server.waitForLine(q("USER_GET_PROFILE")));
+    QVERIFY(openPanel(rig));
+    rig.server.clear();
+    rig.server.answer(q("LOGIN "), {WindowRig::loginOk(false)});
+    rig.server.drop();
+    QVERIFY(rig.server.waitForLine(q("USER_GET_PROFILE")));
+    QTRY_VERIFY(!rig.window().findChild<AdminPanel *>());
+    QCOMPARE(rig.server.count(q("ADMIN_")), 0);
 }
 
 void WindowAdminTest::opensOnce()

@@ -10,6 +10,7 @@
 #include "ui/admin/OnlineUsersTab.h"
 #include "ui/admin/PendingTab.h"
 #include "ui/admin/RoomsTab.h"
+#include "ui/admin/UserRecord.h"
 
 #include <QHBoxLayout>
 #include <QLabel>
@@ -112,11 +113,13 @@ void AdminPanel::connectClient()
     showConnection(m_client && m_client->isConnected());
     if (!m_client)
         return;
+    m_account = m_client->userId();
     const TcpClient *client = m_client;
     connect(client, &TcpClient::onlineUsersReceived, m_onlineUsers, &OnlineUsersTab::showUsers);
     connect(client, &TcpClient::roomListReceived, m_onlineUsers, &OnlineUsersTab::showRooms);
     connect(client, &TcpClient::roomListReceived, m_rooms, &RoomsTab::showRooms);
     connect(client, &TcpClient::serverInfoReceived, this, &AdminPanel::showServerInfo);
+    connect(client, &TcpClient::allUsersReceived, m_onlineUsers, &OnlineUsersTab::showAccounts);
     connect(client, &TcpClient::allUsersReceived, m_allUsers, &AllUsersTab::showUsers);
     connect(client, &TcpClient::registerResult, m_allUsers, &AllUsersTab::onRegisterResult);
     connect(client, &TcpClient::pendingUsersReceived, m_pending, &PendingTab::showUsers);
@@ -127,16 +130,45 @@ void AdminPanel::connectClient()
         showConnection(false);
         m_rooms->showLimits({}); // they may change meanwhile; the server tells them again
     });
-    // The connection is back, and what the tabs show may be hours old.
-    connect(client, &TcpClient::loginResult, this, [this](bool success) {
-        if (success)
-            m_refresh->start();
-    });
+    connect(client, &TcpClient::connected, m_allUsers, &AllUsersTab::forgetRegistrations);
+    connect(client, &TcpClient::loginResult, this, &AdminPanel::onLoginResult);
+    connect(client, &TcpClient::userProfileReceived, this, &AdminPanel::onOwnProfile);
+}
+
+/// The connection is back, and what the tabs show may be hours old.
+void AdminPanel::onLoginResult(bool success)
+{
+    if (!success || m_isEnded)
+        return;
+    if (m_account == 0)
+        m_account = m_client->userId();
+    if (m_client->isAdmin() && m_client->userId() == m_account)
+        m_refresh->start();
+    else
+        end();
+}
+
+void AdminPanel::onOwnProfile(const QVariantMap &profile)
+{
+    const bool isOwn = m_account > 0 && UserRecord::id(profile) == m_account;
+    if (isOwn && profile.contains(QStringLiteral("is_admin")) && !UserRecord::isAdmin(profile))
+        end();
+}
+
+/// A box or a dialog may be open over the panel; what it asks for is sent no more.
+void AdminPanel::end()
+{
+    m_isEnded = true;
+    m_refresh->stop();
+    const auto dialogs = findChildren<QDialog *>();
+    for (QDialog *dialog : dialogs)
+        dialog->close();
+    close();
 }
 
 void AdminPanel::send(const QString &line)
 {
-    if (m_client)
+    if (m_client && !m_isEnded)
         m_client->sendCommand(line);
 }
 
@@ -150,13 +182,13 @@ void AdminPanel::onRefreshAll()
 
 void AdminPanel::approve(int userId)
 {
-    if (userId >= 1 && m_client)
+    if (userId >= 1 && m_client && !m_isEnded)
         m_client->approveUser(userId);
 }
 
 void AdminPanel::revoke(int userId)
 {
-    if (userId >= 1 && m_client)
+    if (userId >= 1 && m_client && !m_isEnded)
         m_client->unapproveUser(userId);
 }
 

@@ -20,6 +20,7 @@ class TcpClient;
 
 /// Where an administrator manages the server: accounts, rooms, audio quality and requests. The tabs know records and
 /// command lines only; the panel carries them from and to the connection, which is not its own and may go and come.
+/// Closes, and sends no more, when its administrator is none any more or another account logs in.
 class AdminPanel final : public QDialog
 {
     Q_OBJECT
@@ -55,6 +56,9 @@ private:
     void send(const QString &line);
     void approve(int userId);
     void revoke(int userId);
+    void onLoginResult(bool success);
+    void onOwnProfile(const QVariantMap &profile);
+    void end();
     void showRequestCount(int count);
     void showConnection(bool connected);
 
@@ -69,4 +73,6 @@ private:
     PendingTab *m_pending;
     HwidRequestsTab *m_hwidRequests;
     QLabel *m_notice;
+    int m_account = 0;      ///< user id of the administrator; 0: nobody has logged in yet
+    bool m_isEnded = false; ///< somebody else has logged in, or no administrator any more
 };
