@@ -10,6 +10,7 @@
 #include "ui/MainActions.h"
 #include "ui/Theme.h"
 #include "ui/UpdateCheck.h"
+#include "ui/admin/HwidRequests.h"
 #include "ui/room/RoomPanel.h"
 #include "ui/status/ControlPanel.h"
 
@@ -75,6 +76,7 @@ MainWindow::MainWindow(const Endpoints &endpoints, Prompts &prompts)
     m_actions = new MainActions(this);
     m_updateCheck = new UpdateCheck(
         endpoints.webUrl, prompts, [](const QUrl &url) { QDesktopServices::openUrl(url); }, this);
+    m_hwidRequests = new HwidRequests(m_client, this);
     createPanels();
     createStatusBar();
     setUpTimers();
@@ -195,6 +197,7 @@ void MainWindow::connectServer()
     connect(m_client, &TcpClient::connected, this, &MainWindow::onNetworkConnected);
     connect(m_client, &TcpClient::disconnected, this, &MainWindow::onNetworkDisconnected);
     connect(m_client, &TcpClient::disconnected, this, &MainWindow::armReconnect);
+    connect(m_client, &TcpClient::disconnected, this, [this] { m_serverInfo.clear(); });
     connect(m_client, &TcpClient::errorOccurred, this, &MainWindow::onClientError);
     connect(m_client, &TcpClient::loginResult, this, &MainWindow::onLoginResult);
     connect(m_client, &TcpClient::licenseWarning, this, &MainWindow::onLicenseWarning);

@@ -27,8 +27,6 @@
 #include <QPointer>
 #include <QUrl>
 
-#include <algorithm>
-
 namespace {
 
 constexpr int kFullGain = 100; // percent
@@ -75,27 +73,13 @@ void MainWindow::showAdminPanel()
     if (!m_client->isAdmin())
         return;
     if (!m_adminPanel) {
-        m_adminPanel = new AdminPanel(m_client, m_prompts, this);
+        m_adminPanel = new AdminPanel(m_client, m_prompts, this, m_hwidRequests);
         m_adminPanel->setAttribute(Qt::WA_DeleteOnClose);
-        for (const HwidRequest &request : qAsConst(m_hwidRequests))
-            m_adminPanel->addHwidRequest(request.details, request.when);
-        connect(m_adminPanel, &AdminPanel::hwidRequestSettled, this, &MainWindow::forgetHwidRequest);
+        m_adminPanel->showServerInfo(m_serverInfo);
     }
     m_adminPanel->show();
     m_adminPanel->raise();
     m_adminPanel->activateWindow();
-}
-
-/// The panel tells a request's own time only for those that it was given; the details say which one it is.
-void MainWindow::forgetHwidRequest(const QString &details, const QDateTime &when)
-{
-    const auto isIt = [&](const HwidRequest &request) { return request.details == details && request.when == when; };
-    const auto isLike = [&](const HwidRequest &request) { return request.details == details; };
-    auto found = std::find_if(m_hwidRequests.begin(), m_hwidRequests.end(), isIt);
-    if (found == m_hwidRequests.end())
-        found = std::find_if(m_hwidRequests.begin(), m_hwidRequests.end(), isLike);
-    if (found != m_hwidRequests.end())
-        m_hwidRequests.erase(found);
 }
 
 /// Gains and COS logic change at once; devices, port and pins when streams and port are opened next.

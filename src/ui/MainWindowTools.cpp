@@ -8,6 +8,7 @@
 #include "ui/MainWindow.h"
 #include "ui/Theme.h"
 #include "ui/account/UserInfoDialog.h"
+#include "ui/admin/ShownText.h"
 #include "ui/room/RoomPanel.h"
 #include "ui/status/ControlPanel.h"
 
@@ -25,8 +26,7 @@ constexpr int kDefaultBitrate = 32000;
 constexpr int kDefaultSampleRate = 48000;
 constexpr int kDefaultFrameDuration = 20; // milliseconds
 constexpr int kDefaultComplexity = 5;
-constexpr int kNoticeTime = 30000;  // milliseconds
-constexpr int kMostRequests = 1000; ///< device resets that are kept for the administrator
+constexpr int kNoticeTime = 30000; // milliseconds
 
 QString textOf(const QVariantMap &record, const char *key, const char *fallback = "")
 {
@@ -127,6 +127,7 @@ void MainWindow::onUserInfoReceived(const QVariantMap &info)
 
 void MainWindow::onServerInfo(const QVariantMap &info)
 {
+    m_serverInfo = info;
     const auto number = [&info](const char *key) { return info.value(QLatin1String(key)).toInt(); };
     m_controlPanel->updateServerInfo(textOf(info, "audio_codec", "Opus"), textOf(info, "audio_preset", "standard"),
                                      number("audio_bitrate"), number("audio_sample_rate"), textOf(info, "encryption"),
@@ -172,14 +173,17 @@ void MainWindow::onUserProfile(const QVariantMap &profile)
         return;
     m_ownProfile = profile;
     onGatewayInfo(profile);
+    // The right may end while the connection lasts; it begins with a login only.
+    if (!profile.value(QStringLiteral("is_admin"), true).toBool()) {
+        m_actions->setAdmin(false);
+        m_roomPanel->setAdmin(false);
+    }
 }
 
 void MainWindow::onAdminNotification(const QString &type, const QString &message)
 {
     if (type != QLatin1String("HWID_RESET_REQUEST"))
         return;
-    if (m_hwidRequests.size() < kMostRequests)
-        m_hwidRequests.append({message, QDateTime::currentDateTime()});
-    const QString callsign = message.section(QLatin1Char(':'), 0, 0);
+    const QString callsign = shownText(message.section(QLatin1Char(':'), 0, 0));
     showStatus(QStringLiteral("HWID Reset Request dari: %1 (lihat tab HWID Requests)").arg(callsign), kNoticeTime);
 }

@@ -197,6 +197,7 @@ void addAdministration(Album *album, bool dark)
                                       {q("name"), q("RF-GW SINAR Bukit")},
                                       {q("room"), q("== LOBBY ==")}}});
     emit client.roomListReceived({q("== LOBBY =="), q("Technical"), q("Emergency")});
+    emit client.serverInfoReceived({{q("room_limits"), QVariantMap{{q("== LOBBY =="), 0}, {q("Technical"), 25}}}});
     emit client.allUsersReceived(users);
     emit client.pendingUsersReceived({users.last()});
     emit client.audioQualityReceived({{q("preset"), q("standard")}});

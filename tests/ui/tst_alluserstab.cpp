@@ -36,6 +36,8 @@ private slots:
     void needsAChosenUser_data();
     void needsAChosenUser();
     void focusAloneChoosesNobody();
+    void keyboardChooses_data();
+    void keyboardChooses();
     void actsOnTheChosenUser_data();
     void actsOnTheChosenUser();
     void aRecordWithoutIdIsLeftAlone_data();
@@ -52,6 +54,8 @@ private slots:
     void addsAGateway();
     void anApprovalWaitsForTheNewList();
     void anApprovedGatewayIsApprovedOnce();
+    void gatewaysAreAnsweredInOrder();
+    void aNewConnectionAnswersNothingOld();
     void refusedGatewayIsReported();
     void otherRegistrationsAreNotItsOwn();
     void keyboardReachesEverything();
@@ -136,6 +140,49 @@ void AllUsersTabTest::focusAloneChoosesNobody()
     m_rig->prompts.accept();
     m_rig->trigger(q("approveAction"));
     QCOMPARE(m_rig->lines, QStringList());
+}
+
+void AllUsersTabTest::keyboardChooses_data()
+{
+    QTest::addColumn<int>("key");
+    QTest::addColumn<int>("modifiers");
+    QTest::addColumn<int>("last"); // user of the list, the first is 11
+    QTest::addColumn<QString>("chosen");
+    const auto row = [](const char *name, Qt::Key key, Qt::KeyboardModifiers modifiers, int last, const char *chosen) {
+        QTest::newRow(name) << int(key) << int(modifiers) << last << q(chosen);
+    };
+    row("Home", Qt::Key_Home, {}, 13, "11");
+    row("Ctrl+Home", Qt::Key_Home, Qt::ControlModifier, 13, "11");
+    row("Up", Qt::Key_Up, {}, 13, "11");
+    row("Page Up", Qt::Key_PageUp, {}, 13, "11");
+    row("Down", Qt::Key_Down, {}, 13, "12");
+    row("Down, one row", Qt::Key_Down, {}, 11, "11");
+    row("Page Down, one row", Qt::Key_PageDown, {}, 11, "11");
+    row("Ctrl+End, one row", Qt::Key_End, Qt::ControlModifier, 11, "11");
+    row("menu key", Qt::Key_Menu, {}, 13, "11");
+    row("Shift+F10", Qt::Key_F10, Qt::ShiftModifier, 13, "11");
+    row("F10", Qt::Key_F10, {}, 13, "none");
+    row("Tab again", Qt::Key_Tab, {}, 13, "none");
+}
+
+/// After Tab into the table the first row is framed, and chosen by the next key that has to do with rows.
+void AllUsersTabTest::keyboardChooses()
+{
+    QFETCH(int, key);
+    QFETCH(int, modifiers);
+    QFETCH(int, last);
+    QFETCH(QString, chosen);
+    m_rig->tab->showUsers(users(11, last));
+    m_rig->tab->activateWindow();
+    QVERIFY(QTest::qWaitForWindowActive(m_rig->tab.get()));
+    m_rig->table()->setFocus(Qt::TabFocusReason);
+    QCOMPARE(m_rig->chosenId(), q("none"));
+    QTest::keyClick(m_rig->table(), static_cast<Qt::Key>(key), static_cast<Qt::KeyboardModifiers>(modifiers));
+    QCOMPARE(m_rig->chosenId(), chosen);
+    if (chosen == q("none"))
+        return;
+    m_rig->trigger(q("approveAction")); // a box would fail
+    QCOMPARE(m_rig->lines.value(0), q("approve ") + chosen);
 }
 
 void AllUsersTabTest::actsOnTheChosenUser_data()
@@ -337,6 +384,38 @@ void AllUsersTabTest::anApprovedGatewayIsApprovedOnce()
     m_rig->tab->onRegisterResult(true, {});
     m_rig->tab->showUsers(with);
     QCOMPARE(m_rig->lines, QStringList());
+}
+
+void AllUsersTabTest::gatewaysAreAnsweredInOrder()
+{
+    m_rig->addGateway(q("YH1AA"), true);
+    m_rig->addGateway(q("YH2BB"), true);
+    m_rig->addGateway(q("YH3CC"), false);
+    m_rig->addGateway(q("YH4DD"), true);
+    m_rig->prompts.accept();
+    m_rig->tab->onRegisterResult(true, {});
+    m_rig->tab->onRegisterResult(false, q("no\n") + QString(1000000, QLatin1Char('W')));
+    QVERIFY(m_rig->prompts.seen().last().text.size() <= 200);
+    m_rig->tab->onRegisterResult(true, {});
+    m_rig->tab->onRegisterResult(true, {});
+    m_rig->lines.clear();
+    const auto listed = [](int id, const char *callsign) { return user(id, {{q("callsign"), q(callsign)}}); };
+    m_rig->tab->showUsers({listed(1, "YH1AA"), listed(2, "YH2BB"), listed(3, "YH3CC")});
+    QCOMPARE(m_rig->lines, (QStringList{q("approve 1"), q("refresh")}));
+    m_rig->lines.clear();
+    m_rig->tab->showUsers({listed(1, "YH1AA"), listed(2, "YH2BB"), listed(3, "YH3CC"), listed(4, "YH4DD")});
+    QCOMPARE(m_rig->lines, (QStringList{q("approve 4"), q("refresh")}));
+}
+
+void AllUsersTabTest::aNewConnectionAnswersNothingOld()
+{
+    m_rig->addGateway(q("YH1AA"), true); // lost with the connection
+    m_rig->tab->forgetRegistrations();
+    m_rig->addGateway(q("YH2BB"), true);
+    m_rig->tab->onRegisterResult(true, {});
+    m_rig->lines.clear();
+    m_rig->tab->showUsers({user(1, {{q("callsign"), q("YH1AA")}}), user(2, {{q("callsign"), q("YH2BB")}})});
+    QCOMPARE(m_rig->lines, (QStringList{q("approve 2"), q("refresh")}));
 }
 
 void AllUsersTabTest::refusedGatewayIsReported()

@@ -231,10 +231,14 @@ void AllUsersTableTest::saysThatThereIsNobody()
 {
     const auto *empty = m_rig->find<QLabel>("emptyState");
     QVERIFY(empty->isVisible());
+    QCOMPARE(empty->text(), q("No users"));
     m_rig->tab->showUsers(users(1, 1));
     QVERIFY(!empty->isVisible());
     m_rig->find<QLineEdit>("allUsersSearch")->setText(q("nobody"));
     QVERIFY(empty->isVisible());
+    QCOMPARE(empty->text(), q("No user matches the search."));
+    m_rig->tab->showUsers({});
+    QCOMPARE(empty->text(), q("No users"));
 }
 
 void AllUsersTableTest::findsByIdAndCallsign()

@@ -56,6 +56,7 @@ private slots:
     void aSentPasswordIsForgotten();
     void deviceReset_data();
     void deviceReset();
+    void tabFollowsTheGroups();
     void cancelSendsNothing();
     void deletedWhileABoxIsOpen_data();
     void deletedWhileABoxIsOpen();
@@ -331,6 +332,26 @@ void EditUserDialogTest::deviceReset()
     QCOMPARE(m_prompts->seen().first().text, q("Reset HWID for YH7AB?\nThis will allow login from a new device."));
     QCOMPARE(m_lines, yes ? QStringList{q("ADMIN_RESET_HWID 7")} : QStringList());
     QCOMPARE(find<QLabel>("editDeviceLabel")->text(), yes ? q("HWID: Reset Done") : q("HWID: Registered"));
+}
+
+void EditUserDialogTest::tabFollowsTheGroups()
+{
+    m_dialog->show();
+    m_dialog->activateWindow();
+    QVERIFY(QTest::qWaitForWindowActive(m_dialog.get()));
+    find<QLineEdit>("editPicNameEdit")->setFocus();
+    QStringList reached;
+    while (reached.size() < 20 && !reached.contains(QApplication::focusWidget()->objectName())) {
+        reached += QApplication::focusWidget()->objectName();
+        QTest::keyClick(QApplication::focusWidget(), Qt::Key_Tab);
+    }
+    const QStringList order{q("editPicNameEdit"),   q("editPicCallsignEdit"),     q("editStatusCombo"),
+                            q("editApprovedCheck"), q("editAdminCheck"),          q("editGatewayNameEdit"),
+                            q("editFrequencyEdit"), q("editLocationEdit"),        q("editEmailEdit"),
+                            q("editWhatsappEdit"),  q("editExpiryGroup"),         q("editExpiryDate"),
+                            q("editPasswordEdit"),  q("editResetPasswordButton"), q("editResetHwidButton"),
+                            q("editSaveButton"),    q("editCancelButton")};
+    QCOMPARE(reached.mid(0, order.size()), order);
 }
 
 void EditUserDialogTest::cancelSendsNothing()

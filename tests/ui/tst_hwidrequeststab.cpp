@@ -1,5 +1,6 @@
 #include "support/ScriptedPrompts.h"
 #include "support/TestMain.h"
+#include "ui/admin/HwidRequests.h"
 #include "ui/admin/HwidRequestsTab.h"
 
 #include <QAction>
@@ -20,18 +21,19 @@ private slots:
     void startsEmpty();
     void itemTexts_data();
     void itemTexts();
-    void everyRequestIsAnItem();
+    void everyUserIsAnItem();
+    void chosenItemStaysChosen();
+    void longTextsAreCut();
     void approves();
-    void approvalAnswersAllOfOneCallsign();
     void idFromTheUserList_data();
     void idFromTheUserList();
     void dismisses();
     void dismissesByKeyboard();
+    void keyboardChooses();
     void resetElsewhereSettles();
     void nothingSelected();
     void menuOfTheSelectedItem_data();
     void menuOfTheSelectedItem();
-    void listIsBounded();
     void mayGoWhileTheBoxIsOpen();
 };
 
@@ -47,7 +49,7 @@ const QDateTime kWhen({2025, 3, 9}, {7, 5});
 struct Rig
 {
     Rig()
-        : tab(prompts)
+        : tab(requests, prompts)
     {
         tab.show();
     }
@@ -60,7 +62,7 @@ struct Rig
             texts.append(list()->item(row)->text().section(q("  |  "), 0, 0));
         return texts;
     }
-    void add(const char *details) { tab.addRequest(q(details), kWhen); }
+    void add(const char *details) { requests.add(q(details), kWhen); }
     void trigger(int row, const char *name) const
     {
         list()->setCurrentRow(row);
@@ -68,10 +70,10 @@ struct Rig
     }
 
     ScriptedPrompts prompts;
+    HwidRequests requests{nullptr};
     HwidRequestsTab tab;
     QSignalSpy commands{&tab, &HwidRequestsTab::commandRequested};
     QSignalSpy counts{&tab, &HwidRequestsTab::countChanged};
-    QSignalSpy settled{&tab, &HwidRequestsTab::requestSettled};
 };
 
 } // namespace
@@ -105,20 +107,46 @@ void HwidRequestsTabTest::itemTexts()
     QFETCH(QString, details);
     QFETCH(QString, text);
     Rig rig;
-    rig.tab.addRequest(details, kWhen);
+    rig.requests.add(details, kWhen);
     QCOMPARE(rig.list()->item(0)->text(), text);
     QCOMPARE(rig.list()->item(0)->foreground().color(), QColor(q("#FF9800")));
 }
 
-void HwidRequestsTabTest::everyRequestIsAnItem()
+void HwidRequestsTabTest::everyUserIsAnItem()
 {
     Rig rig;
     for (const char *details : {"YB1A:1", "YB2B:2", "YB1A:1"})
         rig.add(details);
-    QCOMPARE(rig.callsigns(), QStringList({q("YB1A"), q("YB2B"), q("YB1A")}));
-    QCOMPARE(rig.counts.size(), 3);
-    QCOMPARE(rig.counts.last().first().toInt(), 3);
-    QCOMPARE(rig.tab.count(), 3);
+    QCOMPARE(rig.callsigns(), QStringList({q("YB1A"), q("YB2B")}));
+    QCOMPARE(rig.counts.last().first().toInt(), 2);
+    QCOMPARE(rig.tab.count(), 2);
+}
+
+void HwidRequestsTabTest::chosenItemStaysChosen()
+{
+    Rig rig;
+    for (const char *details : {"YB1A:1", "YB2B:2", "YB3C:3"})
+        rig.add(details);
+    rig.list()->setCurrentRow(1);
+    rig.requests.settle(q("YB1A"));
+    rig.requests.add(q("YB2B:2"), kWhen.addDays(1));
+    QCOMPARE(rig.list()->selectedItems().value(0)->text(), q("YB2B  |  10/03/2025 07:05  |  Klik kanan untuk approve"));
+    rig.requests.settle(q("YB2B"));
+    QVERIFY(rig.list()->selectedItems().isEmpty()); // a neighbour would be approved in his place
+    QVERIFY(!rig.action("approveHwidAction")->isEnabled());
+}
+
+void HwidRequestsTabTest::longTextsAreCut()
+{
+    Rig rig;
+    const QString call = q("YB1A\nQUIT\u2028") + QString(1000000, QLatin1Char('W'));
+    rig.requests.add(call + q(":1"), kWhen);
+    QVERIFY(rig.list()->item(0)->text().startsWith(q("YB1A QUIT WW")));
+    QVERIFY(rig.list()->item(0)->text().size() < 300);
+    rig.prompts.accept();
+    rig.trigger(0, "approveHwidAction");
+    QVERIFY(rig.prompts.seen().first().text.size() < 300);
+    QCOMPARE(rig.tab.count(), 0);
 }
 
 void HwidRequestsTabTest::approves()
@@ -132,25 +160,11 @@ void HwidRequestsTabTest::approves()
     QCOMPARE(rig.commands.first().first().toString(), q("ADMIN_RESET_HWID 22"));
     QCOMPARE(rig.callsigns(), QStringList(q("YB1A")));
     QCOMPARE(rig.counts.last().first().toInt(), 1);
-    QCOMPARE(rig.settled.size(), 1);
-    QCOMPARE(rig.settled.first(), QVariantList({q("YB2B:22"), kWhen}));
     QCOMPARE(rig.prompts.seen().size(), 1);
     QCOMPARE(rig.prompts.seen().first().kind, Prompt::Kind::Information);
     QCOMPARE(rig.prompts.seen().first().title, q("HWID Reset"));
     QCOMPARE(rig.prompts.seen().first().text,
              q("HWID untuk YB2B berhasil direset.\nUser dapat login dari perangkat baru."));
-}
-
-void HwidRequestsTabTest::approvalAnswersAllOfOneCallsign()
-{
-    Rig rig;
-    for (const char *details : {"YB1A:1", "YB2B:2", "YB1A:1"})
-        rig.add(details);
-    rig.prompts.accept();
-    rig.trigger(0, "approveHwidAction");
-    QCOMPARE(rig.commands.size(), 1);
-    QCOMPARE(rig.callsigns(), QStringList(q("YB2B")));
-    QCOMPARE(rig.settled.size(), 2);
 }
 
 void HwidRequestsTabTest::idFromTheUserList_data()
@@ -173,7 +187,7 @@ void HwidRequestsTabTest::idFromTheUserList()
     QFETCH(QString, command);
     Rig rig;
     rig.tab.setIdLookup([](const QString &callsign) { return callsign == QLatin1String("YB1A") ? 41 : 0; });
-    rig.tab.addRequest(details, kWhen);
+    rig.requests.add(details, kWhen);
     rig.prompts.accept();
     rig.trigger(0, "approveHwidAction");
     if (command.isEmpty()) {
@@ -195,8 +209,6 @@ void HwidRequestsTabTest::dismisses()
     rig.trigger(0, "dismissHwidAction");
     QCOMPARE(rig.callsigns(), QStringList(q("YB2B")));
     QCOMPARE(rig.commands.size(), 0);
-    QCOMPARE(rig.settled.size(), 1);
-    QCOMPARE(rig.settled.first(), QVariantList({q("YB1A:1"), kWhen}));
     QCOMPARE(rig.counts.last().first().toInt(), 1);
 }
 
@@ -212,14 +224,27 @@ void HwidRequestsTabTest::dismissesByKeyboard()
     QVERIFY(rig.tab.findChild<QLabel *>(q("emptyState"))->isVisible());
 }
 
+void HwidRequestsTabTest::keyboardChooses()
+{
+    Rig rig;
+    rig.add("YB1A:1");
+    QApplication::setActiveWindow(&rig.tab);
+    rig.list()->setFocus(Qt::TabFocusReason);
+    QVERIFY(!rig.action("approveHwidAction")->isEnabled());
+    QTest::keyClick(rig.list(), Qt::Key_Down);
+    QVERIFY(rig.action("approveHwidAction")->isEnabled());
+    QTest::keyClick(rig.list(), Qt::Key_Delete);
+    QCOMPARE(rig.tab.count(), 0);
+}
+
 void HwidRequestsTabTest::resetElsewhereSettles()
 {
     Rig rig;
-    for (const char *details : {"YB1A:1", "YB1AB:2", "YB1A:1"})
+    for (const char *details : {"YB1A:1", "YB1AB:2"})
         rig.add(details);
-    rig.tab.settleRequestsOf(q("YB1A"));
+    rig.requests.settle(q("YB1A"));
     QCOMPARE(rig.callsigns(), QStringList(q("YB1AB")));
-    QCOMPARE(rig.settled.size(), 2);
+    QCOMPARE(rig.counts.last().first().toInt(), 1);
     QCOMPARE(rig.commands.size(), 0);
 }
 
@@ -267,24 +292,13 @@ void HwidRequestsTabTest::menuOfTheSelectedItem()
     QCOMPARE(rig.callsigns(), QStringList(q("YB1A")));
 }
 
-void HwidRequestsTabTest::listIsBounded()
-{
-    Rig rig;
-    for (int i = 0; i <= HwidRequestsTab::kMostRequests; ++i)
-        rig.tab.addRequest(QStringLiteral("YB%1:%1").arg(i), kWhen);
-    QCOMPARE(rig.tab.count(), HwidRequestsTab::kMostRequests);
-    QCOMPARE(rig.callsigns().first(), q("YB1"));
-    QCOMPARE(rig.settled.size(), 1);
-    QCOMPARE(rig.settled.first().first().toString(), q("YB0:0"));
-    QCOMPARE(rig.counts.last().first().toInt(), HwidRequestsTab::kMostRequests);
-}
-
 void HwidRequestsTabTest::mayGoWhileTheBoxIsOpen()
 {
     ScriptedPrompts prompts;
-    auto *tab = new HwidRequestsTab(prompts);
+    HwidRequests requests(nullptr);
+    auto *tab = new HwidRequestsTab(requests, prompts);
     const QPointer<HwidRequestsTab> watched(tab);
-    tab->addRequest(q("YB1A:1"), kWhen);
+    requests.add(q("YB1A:1"), kWhen);
     tab->findChild<QListWidget *>()->setCurrentRow(0);
     // Not at once: the action that was triggered is still on its way out.
     prompts.accept([tab] {

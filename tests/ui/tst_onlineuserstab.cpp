@@ -23,6 +23,9 @@ private slots:
     void columns();
     void mutedAsFarAsTold_data();
     void mutedAsFarAsTold();
+    void mutedByTheAccounts();
+    void longTextsAreCut();
+    void refreshKeepsThePlaceOfNobody();
     void filters_data();
     void filters();
     void sortsByEveryColumn_data();
@@ -149,7 +152,9 @@ void OnlineUsersTabTest::mutedAsFarAsTold_data()
     QTest::addColumn<QString>("text");
     QTest::newRow("not told") << QVariant() << q("-");
     QTest::newRow("muted") << QVariant(true) << q("Yes");
-    QTest::newRow("not muted") << QVariant(false) << q("No");
+    QTest::newRow("not muted") << QVariant(false) << q("-");
+    QTest::newRow("muted, as a number") << QVariant(1.0) << q("Yes");
+    QTest::newRow("null") << QVariant(QMetaType::Nullptr, nullptr) << q("-");
 }
 
 void OnlineUsersTabTest::mutedAsFarAsTold()
@@ -162,6 +167,63 @@ void OnlineUsersTabTest::mutedAsFarAsTold()
         record.insert(q("is_muted"), muted);
     rig.tab.showUsers({record});
     QCOMPARE(rig.column(OnlineUserModel::Muted), QStringList(text));
+}
+
+/// The list of who is online does not say who is muted; that of the accounts does.
+void OnlineUsersTabTest::mutedByTheAccounts()
+{
+    Rig rig;
+    QList<QVariantMap> online = threeUsers(); // ids 1, 2 and 3
+    online[2].insert(q("is_muted"), false);
+    online.append({{q("callsign"), q("YB4D")}});
+    QList<QVariantMap> accounts{{{q("id"), 1.0}, {q("is_muted"), true}},
+                                {{q("id"), 2.0}, {q("is_muted"), false}},
+                                {{q("id"), 3.0}, {q("is_muted"), true}},
+                                {{q("is_muted"), true}}};
+    const QStringList muted{q("Yes"), q("-"), q("-"), q("-")}; // YB1A, YB3C by its own record, YB4D, YH2B
+    rig.tab.showUsers(online);
+    QCOMPARE(rig.column(OnlineUserModel::Muted), QStringList({q("-"), q("-"), q("-"), q("-")}));
+    rig.tab.showAccounts(accounts);
+    QCOMPARE(rig.column(OnlineUserModel::Muted), muted);
+    rig.tab.showUsers(online);
+    QCOMPARE(rig.column(OnlineUserModel::Muted), muted);
+    accounts[0].insert(q("is_muted"), false);
+    rig.tab.showAccounts(accounts);
+    QCOMPARE(rig.column(OnlineUserModel::Muted).first(), q("-"));
+}
+
+void OnlineUsersTabTest::longTextsAreCut()
+{
+    Rig rig;
+    const QString longText = q("<b>A\nB\u2028C</b>") + QString(1000000, QLatin1Char('W'));
+    QVariantMap record = user(1, "", "", "");
+    for (const char *key : {"callsign", "name", "room"})
+        record.insert(q(key), longText);
+    QVariantMap other = record;
+    other.insert(q("id"), 2);
+    other.insert(q("room"), QString(longText + QLatin1Char('X'))); // the same as far as it is shown
+    rig.tab.showUsers({record, other});
+    for (const int column : {OnlineUserModel::Callsign, OnlineUserModel::Name, OnlineUserModel::Room}) {
+        QCOMPARE(rig.column(column).first().size(), 200);
+        QVERIFY(rig.column(column).first().startsWith(q("<b>A B C</b>WW")));
+    }
+    rig.tab.showRooms({longText, longText + QLatin1Char('X')});
+    auto *rooms = rig.find<QComboBox>("onlineRoomFilter");
+    QCOMPARE(rooms->itemText(1).size(), 200);
+    rooms->setCurrentIndex(2);
+    QCOMPARE(rig.column(0).size(), 1);
+    QVERIFY(!rig.tab.grab().isNull());
+}
+
+void OnlineUsersTabTest::refreshKeepsThePlaceOfNobody()
+{
+    Rig rig;
+    rig.tab.showUsers(manyUsers(200));
+    rig.table()->verticalScrollBar()->setValue(90);
+    QCOMPARE(rig.table()->verticalScrollBar()->value(), 90);
+    rig.tab.showUsers(manyUsers(200));
+    QCOMPARE(rig.selected(), QString());
+    QCOMPARE(rig.table()->verticalScrollBar()->value(), 90);
 }
 
 void OnlineUsersTabTest::filters_data()

@@ -1,8 +1,6 @@
-#include "support/ScriptedPrompts.h"
+#include "RoomsRig.h"
 #include "support/TestMain.h"
-#include "ui/admin/RoomsTab.h"
 
-#include <QApplication>
 #include <QGroupBox>
 #include <QLabel>
 #include <QLineEdit>
@@ -10,8 +8,9 @@
 #include <QPointer>
 #include <QPushButton>
 #include <QScrollBar>
-#include <QSignalSpy>
 #include <QSpinBox>
+
+using namespace RoomsTest;
 
 class RoomsTabTest final : public QObject
 {
@@ -29,77 +28,23 @@ private slots:
     void edits_data();
     void edits();
     void fieldTakesNoSeparators();
-    void maximumIsRememberedAsSent();
     void renamedRoomStaysSelected();
+    void renamingEndsWithTheNextList_data();
+    void renamingEndsWithTheNextList();
     void movesByKeyboard_data();
     void movesByKeyboard();
     void dragsWithinTheList();
     void savesTheOrder();
+    void savedIsWhatTheServerConfirms();
+    void renamedRoomKeepsItsUnsavedPlace();
     void unsavedOrderSurvivesARefresh_data();
     void unsavedOrderSurvivesARefresh();
     void refreshKeepsSelectionAndTyping();
+    void longNamesAreCut();
     void thousandsOfRooms();
     void mayGoWhileABoxIsOpen_data();
     void mayGoWhileABoxIsOpen();
 };
-
-namespace {
-
-QString q(const char *text)
-{
-    return QString::fromUtf8(text);
-}
-
-/// "A,B": a room each.
-QStringList names(const char *text)
-{
-    return q(text).split(QLatin1Char(','), Qt::SkipEmptyParts);
-}
-
-struct Rig
-{
-    explicit Rig(const char *rooms = "Lobby,Alpha,Ruang Dua")
-        : tab(prompts)
-    {
-        tab.resize(880, 480);
-        tab.showRooms(names(rooms));
-        tab.show();
-        QApplication::setActiveWindow(&tab);
-    }
-    template<typename Widget> [[nodiscard]] Widget *find(const char *name) const
-    {
-        return tab.findChild<Widget *>(q(name));
-    }
-    [[nodiscard]] QListWidget *list() const { return find<QListWidget>("roomsList"); }
-    [[nodiscard]] QString rooms() const { return tab.rooms().join(QLatin1Char(',')); }
-    [[nodiscard]] QString selected() const
-    {
-        const auto items = list()->selectedItems();
-        return items.isEmpty() ? QString() : items.first()->text();
-    }
-    [[nodiscard]] QString status() const { return find<QLabel>("roomOrderStatus")->text(); }
-    [[nodiscard]] QStringList sent() const
-    {
-        QStringList lines;
-        for (const QVariantList &line : commands)
-            lines.append(line.first().toString());
-        return lines;
-    }
-    void click(const char *button) const { find<QPushButton>(button)->click(); }
-    void select(int row) const { list()->setCurrentRow(row); }
-    void press(Qt::Key key) const
-    {
-        list()->setFocus();
-        QTest::keyClick(list(), key, Qt::AltModifier);
-    }
-
-    ScriptedPrompts prompts;
-    RoomsTab tab;
-    QSignalSpy commands{&tab, &RoomsTab::commandRequested};
-    QSignalSpy refreshes{&tab, &RoomsTab::refreshRequested};
-};
-
-} // namespace
 
 void RoomsTabTest::looksAsAnnounced()
 {
@@ -283,25 +228,6 @@ void RoomsTabTest::fieldTakesNoSeparators()
     QCOMPARE(rig.sent(), QStringList(q("ADMIN_EDIT_ROOM \"Lobby\" \"ABCD E\" 0 \"\"")));
 }
 
-void RoomsTabTest::maximumIsRememberedAsSent()
-{
-    Rig rig;
-    rig.prompts.enter(q("Bravo"));
-    rig.prompts.enterNumber(12);
-    rig.click("addRoomButton");
-    rig.tab.showRooms(names("Lobby,Alpha,Bravo"));
-    rig.select(2);
-    QCOMPARE(rig.find<QSpinBox>("roomMaximumSpin")->value(), 12);
-    rig.find<QLineEdit>("roomNameEdit")->setText(q("Charlie"));
-    rig.find<QSpinBox>("roomMaximumSpin")->setValue(13);
-    rig.click("saveRoomButton");
-    rig.tab.showRooms(names("Lobby,Alpha,Charlie"));
-    rig.select(0);
-    QCOMPARE(rig.find<QSpinBox>("roomMaximumSpin")->value(), 0);
-    rig.select(2);
-    QCOMPARE(rig.find<QSpinBox>("roomMaximumSpin")->value(), 13);
-}
-
 void RoomsTabTest::renamedRoomStaysSelected()
 {
     Rig rig;
@@ -311,6 +237,33 @@ void RoomsTabTest::renamedRoomStaysSelected()
     rig.tab.showRooms(names("Lobby,Beta,Ruang Dua"));
     QCOMPARE(rig.selected(), q("Beta"));
     QCOMPARE(rig.find<QLineEdit>("roomNameEdit")->text(), q("Beta"));
+}
+
+void RoomsTabTest::renamingEndsWithTheNextList_data()
+{
+    QTest::addColumn<QString>("first"); // list after the renaming of Alpha to Beta
+    QTest::addColumn<QString>("then");
+    QTest::newRow("came about") << q("Lobby,Beta,Ruang Dua") << q("Lobby,Beta");
+    QTest::newRow("refused, and made by somebody else") << q("Lobby,Alpha,Ruang Dua") << q("Lobby,Beta");
+}
+
+/// The room that is selected goes; the one that was renamed once is not chosen in its place.
+void RoomsTabTest::renamingEndsWithTheNextList()
+{
+    QFETCH(QString, first);
+    QFETCH(QString, then);
+    Rig rig;
+    rig.select(1);
+    rig.find<QLineEdit>("roomNameEdit")->setText(q("Beta"));
+    rig.click("saveRoomButton");
+    rig.tab.showRooms(first.split(QLatin1Char(',')));
+    QVERIFY(!rig.selected().isEmpty());
+    if (first.contains(q("Beta")))
+        rig.select(2);
+    rig.tab.showRooms(then.split(QLatin1Char(',')));
+    QCOMPARE(rig.selected(), QString());
+    QVERIFY(rig.find<QLabel>("roomHint")->isVisible());
+    QVERIFY(!rig.find<QPushButton>("deleteRoomButton")->isEnabled());
 }
 
 void RoomsTabTest::movesByKeyboard_data()
@@ -376,6 +329,42 @@ void RoomsTabTest::savesTheOrder()
     QCOMPARE(none.sent(), QStringList());
 }
 
+/// The command may be refused, or lost with the connection.
+void RoomsTabTest::savedIsWhatTheServerConfirms()
+{
+    Rig rig;
+    rig.select(2);
+    rig.press(Qt::Key_Up);
+    rig.click("saveRoomOrderButton");
+    QCOMPARE(rig.status(), q("Room order saved!"));
+    rig.tab.showRooms(names("Lobby,Alpha,Ruang Dua"));
+    QCOMPARE(rig.rooms(), q("Lobby,Ruang Dua,Alpha"));
+    QCOMPARE(rig.status(), q("Room order not saved yet"));
+    rig.click("saveRoomOrderButton");
+    rig.press(Qt::Key_Down); // back, before the server has answered
+    QCOMPARE(rig.status(), q("Room order not saved yet"));
+    rig.tab.showRooms(names("Lobby,Ruang Dua,Alpha"));
+    QCOMPARE(rig.rooms(), q("Lobby,Alpha,Ruang Dua"));
+    QCOMPARE(rig.status(), q("Room order not saved yet"));
+    rig.click("saveRoomOrderButton");
+    rig.tab.showRooms(names("Lobby,Alpha,Ruang Dua"));
+    QCOMPARE(rig.status(), q("Room order saved!"));
+}
+
+void RoomsTabTest::renamedRoomKeepsItsUnsavedPlace()
+{
+    Rig rig;
+    rig.select(2);
+    rig.press(Qt::Key_Up);
+    rig.press(Qt::Key_Up);
+    rig.find<QLineEdit>("roomNameEdit")->setText(q("Ruang Tiga"));
+    rig.click("saveRoomButton");
+    rig.tab.showRooms(names("Lobby,Alpha,Ruang Tiga"));
+    QCOMPARE(rig.rooms(), q("Ruang Tiga,Lobby,Alpha"));
+    QCOMPARE(rig.selected(), q("Ruang Tiga"));
+    QCOMPARE(rig.status(), q("Room order not saved yet"));
+}
+
 void RoomsTabTest::unsavedOrderSurvivesARefresh_data()
 {
     QTest::addColumn<QString>("fromServer");
@@ -417,6 +406,22 @@ void RoomsTabTest::refreshKeepsSelectionAndTyping()
     QVERIFY(rig.find<QLabel>("roomHint")->isVisible());
 }
 
+void RoomsTabTest::longNamesAreCut()
+{
+    const QString name = q("A\nB\u2028C") + QString(1000000, QLatin1Char('W'));
+    Rig rig("");
+    rig.tab.showRooms({name, name + QLatin1Char('X')});
+    QCOMPARE(rig.list()->item(0)->text().size(), 200);
+    QVERIFY(rig.list()->item(0)->text().startsWith(q("A B CWW")));
+    QCOMPARE(rig.tab.rooms(), QStringList({name, name + QLatin1Char('X')}));
+    rig.select(1);
+    rig.prompts.accept();
+    rig.click("deleteRoomButton");
+    QVERIFY(rig.prompts.seen().first().text.size() < 300);
+    QVERIFY(rig.sent().first().endsWith(q("WX\""))); // which room it is nobody cuts
+    QVERIFY(!rig.tab.grab().isNull());
+}
+
 void RoomsTabTest::thousandsOfRooms()
 {
     QStringList rooms;
@@ -430,6 +435,11 @@ void RoomsTabTest::thousandsOfRooms()
     rig.tab.showRooms(rooms);
     QCOMPARE(rig.selected(), q("Room 1000"));
     QCOMPARE(rig.list()->verticalScrollBar()->value(), 990);
+    rig.list()->setCurrentRow(-1);
+    rig.list()->verticalScrollBar()->setValue(800);
+    rooms.prepend(q("Newer"));
+    rig.tab.showRooms(rooms);
+    QCOMPARE(rig.list()->verticalScrollBar()->value(), 800);
 }
 
 void RoomsTabTest::mayGoWhileABoxIsOpen_data()

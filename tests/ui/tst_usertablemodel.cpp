@@ -7,6 +7,8 @@
 #include <QAbstractItemModelTester>
 #include <QSignalSpy>
 
+#include <ctime>
+
 using namespace AdminUsers;
 using Column = UserTableModel::Column;
 using Type = UserRecord::Type;
@@ -51,6 +53,7 @@ class UserTableModelTest final : public QObject
     Q_OBJECT
 
 private slots:
+    void initTestCase();
     void behavesAsAModel();
     void titles_data();
     void titles();
@@ -69,6 +72,13 @@ private slots:
     void sorts();
     void manyUsersNeedNoItems();
 };
+
+/// Somewhere that is not Greenwich.
+void UserTableModelTest::initTestCase()
+{
+    qputenv("TZ", "WIB-7");
+    tzset();
+}
 
 void UserTableModelTest::behavesAsAModel()
 {
@@ -93,6 +103,7 @@ void UserTableModelTest::titles_data()
     const auto row = [](Column column, const char *title) {
         QTest::newRow(title) << static_cast<int>(column) << QString::fromLatin1(title);
     };
+    row(Column::Id, "ID");
     row(Column::Callsign, "Callsign");
     row(Column::Name, "Name");
     row(Column::GatewayName, "Gateway Name");
@@ -140,8 +151,21 @@ void UserTableModelTest::texts_data()
     row("expiry", full, Column::Expiry, "2031-12-30");
     row("location", full, Column::Location, "Medan");
     row("last login", full, Column::LastLogin, "2026-11-21 08:00");
+    row("last login in UTC", with("last_login", QStringLiteral("2026-11-21T20:30:59Z")), Column::LastLogin,
+        "2026-11-22 03:30");
+    row("last login with a zone", with("last_login", QStringLiteral("2026-11-21T20:30:59.5+09:00")), Column::LastLogin,
+        "2026-11-21 18:30");
+    row("last login of no known form", with("last_login", QStringLiteral("kemarin")), Column::LastLogin, "kemarin");
+    row("never logged in", with("last_login", QString()), Column::LastLogin, "");
     row("device", full, Column::Device, "Registered");
     row("no device", with("registered_hwid", QString()), Column::Device, "Not Registered");
+    row("device false", with("registered_hwid", false), Column::Device, "Not Registered");
+    row("device 0", with("registered_hwid", 0.0), Column::Device, "Not Registered");
+    row("device 0 as a text", with("registered_hwid", QStringLiteral("0")), Column::Device, "Not Registered");
+    row("device of blanks", with("registered_hwid", QStringLiteral("  ")), Column::Device, "Not Registered");
+    row("device of an empty list", with("registered_hwid", QVariantList()), Column::Device, "Not Registered");
+    row("device true", with("registered_hwid", true), Column::Device, "Registered");
+    row("device 1", with("registered_hwid", 1.0), Column::Device, "Registered");
     row("device of null", with("registered_hwid", QVariant()), Column::Device, "Not Registered");
     row("email", full, Column::Email, "yh@example.org");
     row("whatsapp", full, Column::WhatsApp, "0812");
@@ -248,9 +272,9 @@ void UserTableModelTest::filters_data()
     row("callsign", "YH1", "", -1, "1");
     row("callsign in small letters", "yh1", "", -1, "1");
     row("gateway name", "GUNUNG", "", -1, "2");
-    row("person's name", "dewi", "", -1, "3");
-    row("person in charge", "agus", "", -1, "4");
-    row("letters beyond ASCII", "ÉLAN", "", -1, "5");
+    row("person's name", "dewi", "", -1, "4");
+    row("person in charge, who has no name of his own", "agus", "", -1, "5");
+    row("letters beyond ASCII", "ÉLAN", "", -1, "3");
     row("location is not looked at", "Medan", "", -1, "");
     row("a pattern is no pattern", ".*", "", -1, "");
     row("nobody", "zzz", "", -1, "");
@@ -280,10 +304,11 @@ void UserTableModelTest::filters()
     };
     UserTableModel model({Column::Id});
     Users list{record(1, "YH1AB", "Sari", "Bukit", "active"), record(2, "YH2AB", "Sari", "Gunung Sinabung", "pending"),
-               record(3, "YB3AB", "Dewi", "", "suspended"), record(4, "YH4AB", "Sari", "Laut", "Active"),
-               record(5, "YB5AB", "élan", "", "banned")};
+               record(3, "YB3AB", "élan", "", "suspended"), record(4, "YH4AB", "Dewi", "Laut", "Active"),
+               record(5, "YB5AB", "", "", "banned")};
     list[3].insert(QStringLiteral("is_admin"), true);
     list[3].insert(QStringLiteral("responsible_name"), QStringLiteral("Agus"));
+    list[4].insert(QStringLiteral("responsible_name"), QStringLiteral("Agus"));
     model.setUsers(list);
     UserFilterModel filter(&model);
     UserFilterModel::Filter wanted{text, status, {}};

@@ -5,10 +5,12 @@
 #include "ui/Prompts.h"
 #include "ui/admin/AllUsersTab.h"
 #include "ui/admin/AudioQualityTab.h"
+#include "ui/admin/HwidRequests.h"
 #include "ui/admin/HwidRequestsTab.h"
 #include "ui/admin/OnlineUsersTab.h"
 #include "ui/admin/PendingTab.h"
 #include "ui/admin/RoomsTab.h"
+#include "ui/admin/UserRecord.h"
 
 #include <QHBoxLayout>
 #include <QLabel>
@@ -26,9 +28,10 @@ constexpr std::chrono::milliseconds kRefreshDelay{500};
 
 } // namespace
 
-AdminPanel::AdminPanel(TcpClient *client, Prompts &prompts, QWidget *parent)
+AdminPanel::AdminPanel(TcpClient *client, Prompts &prompts, QWidget *parent, HwidRequests *requests)
     : QDialog(parent)
     , m_client(client)
+    , m_requests(requests ? requests : new HwidRequests(client, this))
     , m_refresh(new QTimer(this))
     , m_tabs(new QTabWidget(this))
     , m_onlineUsers(new OnlineUsersTab(this))
@@ -36,7 +39,7 @@ AdminPanel::AdminPanel(TcpClient *client, Prompts &prompts, QWidget *parent)
     , m_allUsers(new AllUsersTab(prompts, this))
     , m_audioQuality(new AudioQualityTab(prompts, this))
     , m_pending(new PendingTab(prompts, this))
-    , m_hwidRequests(new HwidRequestsTab(prompts, this))
+    , m_hwidRequests(new HwidRequestsTab(*m_requests, prompts, this))
     , m_notice(new QLabel(QStringLiteral("Not connected to the server"), this))
 {
     setObjectName(QStringLiteral("adminPanelDialog"));
@@ -103,7 +106,6 @@ void AdminPanel::connectTabs()
     connect(m_hwidRequests, &HwidRequestsTab::commandRequested, this, &AdminPanel::send);
     m_hwidRequests->setIdLookup([this](const QString &callsign) { return m_allUsers->idOf(callsign); });
     connect(m_hwidRequests, &HwidRequestsTab::countChanged, this, &AdminPanel::showRequestCount);
-    connect(m_hwidRequests, &HwidRequestsTab::requestSettled, this, &AdminPanel::hwidRequestSettled);
 }
 
 void AdminPanel::connectClient()
@@ -111,29 +113,62 @@ void AdminPanel::connectClient()
     showConnection(m_client && m_client->isConnected());
     if (!m_client)
         return;
+    m_account = m_client->userId();
     const TcpClient *client = m_client;
     connect(client, &TcpClient::onlineUsersReceived, m_onlineUsers, &OnlineUsersTab::showUsers);
     connect(client, &TcpClient::roomListReceived, m_onlineUsers, &OnlineUsersTab::showRooms);
     connect(client, &TcpClient::roomListReceived, m_rooms, &RoomsTab::showRooms);
+    connect(client, &TcpClient::serverInfoReceived, this, &AdminPanel::showServerInfo);
+    connect(client, &TcpClient::allUsersReceived, m_onlineUsers, &OnlineUsersTab::showAccounts);
     connect(client, &TcpClient::allUsersReceived, m_allUsers, &AllUsersTab::showUsers);
     connect(client, &TcpClient::registerResult, m_allUsers, &AllUsersTab::onRegisterResult);
     connect(client, &TcpClient::pendingUsersReceived, m_pending, &PendingTab::showUsers);
     connect(client, &TcpClient::audioQualityReceived, m_audioQuality, &AudioQualityTab::showQuality);
-    connect(client, &TcpClient::hwidReset, m_hwidRequests, &HwidRequestsTab::settleRequestsOf);
     connect(client, &TcpClient::hwidReset, m_refresh, QOverload<>::of(&QTimer::start));
-    connect(client, &TcpClient::adminNotification, this, &AdminPanel::onAdminNotification);
     connect(client, &TcpClient::connected, this, [this] { showConnection(true); });
-    connect(client, &TcpClient::disconnected, this, [this] { showConnection(false); });
-    // The connection is back, and what the tabs show may be hours old.
-    connect(client, &TcpClient::loginResult, this, [this](bool success) {
-        if (success)
-            m_refresh->start();
+    connect(client, &TcpClient::disconnected, this, [this] {
+        showConnection(false);
+        m_rooms->showLimits({}); // they may change meanwhile; the server tells them again
     });
+    connect(client, &TcpClient::connected, m_allUsers, &AllUsersTab::forgetRegistrations);
+    connect(client, &TcpClient::loginResult, this, &AdminPanel::onLoginResult);
+    connect(client, &TcpClient::userProfileReceived, this, &AdminPanel::onOwnProfile);
+}
+
+/// The connection is back, and what the tabs show may be hours old.
+void AdminPanel::onLoginResult(bool success)
+{
+    if (!success || m_isEnded)
+        return;
+    if (m_account == 0)
+        m_account = m_client->userId();
+    if (m_client->isAdmin() && m_client->userId() == m_account)
+        m_refresh->start();
+    else
+        end();
+}
+
+void AdminPanel::onOwnProfile(const QVariantMap &profile)
+{
+    const bool isOwn = m_account > 0 && UserRecord::id(profile) == m_account;
+    if (isOwn && profile.contains(QStringLiteral("is_admin")) && !UserRecord::isAdmin(profile))
+        end();
+}
+
+/// A box or a dialog may be open over the panel; what it asks for is sent no more.
+void AdminPanel::end()
+{
+    m_isEnded = true;
+    m_refresh->stop();
+    const auto dialogs = findChildren<QDialog *>();
+    for (QDialog *dialog : dialogs)
+        dialog->close();
+    close();
 }
 
 void AdminPanel::send(const QString &line)
 {
-    if (m_client)
+    if (m_client && !m_isEnded)
         m_client->sendCommand(line);
 }
 
@@ -147,13 +182,13 @@ void AdminPanel::onRefreshAll()
 
 void AdminPanel::approve(int userId)
 {
-    if (userId >= 1 && m_client)
+    if (userId >= 1 && m_client && !m_isEnded)
         m_client->approveUser(userId);
 }
 
 void AdminPanel::revoke(int userId)
 {
-    if (userId >= 1 && m_client)
+    if (userId >= 1 && m_client && !m_isEnded)
         m_client->unapproveUser(userId);
 }
 
@@ -207,15 +242,15 @@ void AdminPanel::onFilterAllUsers()
     m_allUsers->onFilterAllUsers();
 }
 
-void AdminPanel::addHwidRequest(const QString &details, const QDateTime &when)
+void AdminPanel::showServerInfo(const QVariantMap &info)
 {
-    m_hwidRequests->addRequest(details, when);
+    if (const auto limits = RoomLimits::read(info))
+        m_rooms->showLimits(*limits);
 }
 
-void AdminPanel::onAdminNotification(const QString &type, const QString &details)
+void AdminPanel::addHwidRequest(const QString &details, const QDateTime &when)
 {
-    if (type == QLatin1String("HWID_RESET_REQUEST"))
-        addHwidRequest(details, QDateTime::currentDateTime());
+    m_requests->add(details, when);
 }
 
 void AdminPanel::showRequestCount(int count)

@@ -1,9 +1,9 @@
 #include "ui/admin/AllUsersTab.h"
 
-#include "ui/ElidedLabel.h"
 #include "ui/Prompts.h"
 #include "ui/admin/AddGatewayDialog.h"
 #include "ui/admin/EditUserDialog.h"
+#include "ui/admin/ShownText.h"
 #include "ui/admin/UserRecord.h"
 #include "ui/admin/UserTableView.h"
 #include "ui/setup/InputRules.h"
@@ -225,7 +225,7 @@ void AllUsersTab::onResetHwid()
     const int userId = chosenUser();
     if (userId < 1)
         return;
-    const QString callsign = ElidedLabel::oneLine(UserRecord::callsign(m_table->chosenUser()));
+    const QString callsign = shownText(UserRecord::callsign(m_table->chosenUser()));
     emit commandRequested(Commands::resetDevice(userId));
     m_prompts.information(QStringLiteral("Reset HWID"), QStringLiteral("HWID for %1 has been reset.").arg(callsign));
 }
@@ -267,9 +267,7 @@ void AllUsersTab::onAddGateway()
 /// The registration itself cannot say that the account is approved: that is told once its id is known.
 void AllUsersTab::registerGateway(const Commands::Registration &registration, bool approve)
 {
-    m_registering = registration.callsign;
-    m_approvesNext = approve;
-    m_approvedOnceListed.clear();
+    m_registering.append({registration.callsign, approve});
     emit commandRequested(Commands::registerGateway(registration));
     // Joined, not filled in: a password may hold a "%2".
     m_prompts.information(QStringLiteral("Success"), QLatin1String("Gateway ") + registration.callsign +
@@ -279,24 +277,36 @@ void AllUsersTab::registerGateway(const Commands::Registration &registration, bo
 
 void AllUsersTab::onRegisterResult(bool success, const QString &message)
 {
-    const QString callsign = std::exchange(m_registering, {});
-    if (callsign.isEmpty())
+    if (m_registering.isEmpty())
         return;
+    const Registration registration = m_registering.takeFirst();
     if (!success) {
-        m_prompts.warning(QStringLiteral("Add Gateway"), message);
+        m_prompts.warning(QStringLiteral("Add Gateway"), shownText(message));
         return;
     }
-    if (m_approvesNext)
-        m_approvedOnceListed = callsign;
+    if (registration.isApproved)
+        m_approvedOnceListed.append(registration.callsign);
     emit refreshRequested();
+}
+
+void AllUsersTab::forgetRegistrations()
+{
+    m_registering.clear();
 }
 
 void AllUsersTab::approveListed()
 {
-    const int userId = idOf(m_approvedOnceListed);
-    if (userId < 1)
-        return; // a list that was on its way already does not know it yet
-    m_approvedOnceListed.clear();
-    emit approveRequested(userId);
-    emit refreshRequested();
+    const QStringList awaited = std::exchange(m_approvedOnceListed, {});
+    bool approves = false;
+    for (const QString &callsign : awaited) {
+        const int userId = idOf(callsign);
+        if (userId < 1) { // a list that was on its way already does not know it yet
+            m_approvedOnceListed.append(callsign);
+            continue;
+        }
+        emit approveRequested(userId);
+        approves = true;
+    }
+    if (approves)
+        emit refreshRequested();
 }

@@ -3,6 +3,7 @@
 #include "net/protocol/Commands.h"
 
 #include <QList>
+#include <QStringList>
 #include <QVariantMap>
 #include <QWidget>
 
@@ -48,6 +49,8 @@ public slots:
     void onAddGateway();
     /// The server's answer to a gateway that was added here; any other one is not for this tab.
     void onRegisterResult(bool success, const QString &message);
+    /// The connection is another one: what was asked for is answered no more.
+    void forgetRegistrations();
 
 private:
     [[nodiscard]] QHBoxLayout *createHeader();
@@ -66,7 +69,11 @@ private:
     QComboBox *m_type = nullptr;
     UserTableView *m_table = nullptr;
     QLabel *m_total = nullptr;
-    QString m_registering;        ///< callsign that the server has not answered yet
-    bool m_approvesNext = false;  ///< what the form said about that one
-    QString m_approvedOnceListed; ///< callsign that is registered, its id not known yet
+    struct Registration
+    {
+        QString callsign;
+        bool isApproved = false; ///< what the form said
+    };
+    QList<Registration> m_registering; ///< those that the server has not answered yet, in the order of asking
+    QStringList m_approvedOnceListed;  ///< callsigns that are registered, their ids not known yet
 };

@@ -76,7 +76,19 @@ EditUserDialog::EditUserDialog(const QVariantMap &user, Prompts &prompts, QWidge
     layout->addWidget(area);
     layout->addLayout(createButtons());
     resize(kWidth, kHeight);
+    setUpTabOrder();
     m_picName->setFocus();
+}
+
+/// The permit's end stands in the left column, and comes after the information beside it all the same.
+void EditUserDialog::setUpTabOrder()
+{
+    QWidget *previous = m_admin;
+    for (QWidget *next : std::initializer_list<QWidget *>{m_gatewayName, m_frequency, m_location, m_email, m_whatsapp,
+                                                          m_expires, m_expiry, m_password}) {
+        setTabOrder(previous, next);
+        previous = next;
+    }
 }
 
 QWidget *EditUserDialog::createFields(const QVariantMap &user)

@@ -40,6 +40,7 @@ private:
     [[nodiscard]] QGroupBox *createPassword();
     [[nodiscard]] QGroupBox *createDevice(const QVariantMap &user);
     [[nodiscard]] QHBoxLayout *createButtons();
+    void setUpTabOrder();
     void resetPassword();
     void resetDevice();
     void save();

@@ -3,33 +3,39 @@
 #include "net/protocol/Commands.h"
 #include "ui/Prompts.h"
 #include "ui/admin/EmptyState.h"
+#include "ui/admin/HwidRequests.h"
+#include "ui/admin/KeyboardChoice.h"
+#include "ui/admin/ShownText.h"
 
 #include <QAction>
 #include <QLabel>
 #include <QListWidget>
+#include <QScrollBar>
+#include <QSignalBlocker>
 #include <QVBoxLayout>
 
 namespace {
 
-constexpr int kDetailsRole = Qt::UserRole;
-constexpr int kTimeRole = Qt::UserRole + 1;
 constexpr int kItemSpacing = 2; // logical pixels
 
-QString callsignOf(const QString &details)
-{
-    return details.section(QLatin1Char(':'), 0, 0);
-}
+constexpr int kCallsignRole = Qt::UserRole; // the item's text may be cut
 
-/// 0 where the request names no id.
-int userIdOf(const QString &details)
+QListWidgetItem *createItem(const HwidRequests::Request &request)
 {
-    return details.section(QLatin1Char(':'), 1).toInt();
+    // Joined, not filled in: a callsign may hold a "%2".
+    auto *item = new QListWidgetItem(shownText(request.callsign) + QLatin1String("  |  ") +
+                                     request.when.toString(QStringLiteral("dd/MM/yyyy HH:mm")) +
+                                     QLatin1String("  |  Klik kanan untuk approve"));
+    item->setForeground(QColor(QStringLiteral("#FF9800")));
+    item->setData(kCallsignRole, request.callsign);
+    return item;
 }
 
 } // namespace
 
-HwidRequestsTab::HwidRequestsTab(Prompts &prompts, QWidget *parent)
+HwidRequestsTab::HwidRequestsTab(HwidRequests &requests, Prompts &prompts, QWidget *parent)
     : QWidget(parent)
+    , m_requests(requests)
     , m_prompts(prompts)
     , m_list(new QListWidget(this))
 {
@@ -48,8 +54,10 @@ HwidRequestsTab::HwidRequestsTab(Prompts &prompts, QWidget *parent)
     layout->addWidget(m_list);
     createActions();
     connect(m_list, &QListWidget::itemSelectionChanged, this, &HwidRequestsTab::onSelectionChanged);
-    onSelectionChanged();
     EmptyState::show(m_list, QStringLiteral("No HWID requests."));
+    new KeyboardChoice(m_list);
+    connect(&m_requests, &HwidRequests::changed, this, &HwidRequestsTab::refill);
+    refill();
 }
 
 // They make the context menu, which the keyboard's menu key opens as well.
@@ -72,65 +80,54 @@ int HwidRequestsTab::count() const
     return m_list->count();
 }
 
-QListWidgetItem *HwidRequestsTab::selected() const
+int HwidRequestsTab::chosenRow() const
 {
-    return m_list->selectedItems().value(0);
+    return m_list->row(m_list->selectedItems().value(0));
 }
 
 void HwidRequestsTab::onSelectionChanged()
 {
-    m_approve->setEnabled(selected());
-    m_dismiss->setEnabled(selected());
+    m_approve->setEnabled(chosenRow() >= 0);
+    m_dismiss->setEnabled(chosenRow() >= 0);
 }
 
-void HwidRequestsTab::addRequest(const QString &details, const QDateTime &when)
+/// Who was chosen stays chosen; nobody takes the place of one that is gone.
+void HwidRequestsTab::refill()
 {
-    auto *item = new QListWidgetItem(QStringLiteral("%1  |  %2  |  Klik kanan untuk approve")
-                                         .arg(callsignOf(details), when.toString(QStringLiteral("dd/MM/yyyy HH:mm"))));
-    item->setForeground(QColor(QStringLiteral("#FF9800")));
-    item->setData(kDetailsRole, details);
-    item->setData(kTimeRole, when);
-    m_list->addItem(item);
-    if (count() > kMostRequests)
-        remove(m_list->item(0));
-    else
-        emit countChanged(count());
-}
-
-void HwidRequestsTab::settleRequestsOf(const QString &callsign)
-{
-    for (int row = m_list->count() - 1; row >= 0; --row) {
-        if (callsignOf(m_list->item(row)->data(kDetailsRole).toString()) == callsign)
-            remove(m_list->item(row));
+    const QListWidgetItem *before = m_list->selectedItems().value(0);
+    const QString chosen = before ? before->data(kCallsignRole).toString() : QString();
+    const bool hasChosen = before != nullptr;
+    const int scrolled = m_list->verticalScrollBar()->value();
+    {
+        const QSignalBlocker silent(m_list);
+        m_list->clear();
+        for (const HwidRequests::Request &request : m_requests.all()) {
+            m_list->addItem(createItem(request));
+            if (hasChosen && request.callsign == chosen)
+                m_list->setCurrentRow(m_list->count() - 1);
+        }
     }
-}
-
-void HwidRequestsTab::remove(QListWidgetItem *item)
-{
-    const QString details = item->data(kDetailsRole).toString();
-    const QDateTime when = item->data(kTimeRole).toDateTime();
-    delete item;
+    m_list->doItemsLayout();
+    m_list->verticalScrollBar()->setValue(scrolled);
+    onSelectionChanged();
     emit countChanged(count());
-    emit requestSettled(details, when);
 }
 
 void HwidRequestsTab::approve()
 {
-    QListWidgetItem *item = selected();
-    if (!item)
+    const int row = chosenRow();
+    if (row < 0)
         return;
-    const QString details = item->data(kDetailsRole).toString();
-    const QString callsign = callsignOf(details);
-    int userId = userIdOf(details);
-    if (userId < 1 && m_idOf)
-        userId = m_idOf(callsign);
+    const HwidRequests::Request request = m_requests.all().at(row);
+    const QString callsign = shownText(request.callsign);
+    const int userId = request.userId < 1 && m_idOf ? m_idOf(request.callsign) : request.userId;
     if (userId < 1) {
         m_prompts.warning(QStringLiteral("HWID Reset"),
                           QStringLiteral("User %1 tidak ada dalam daftar user.").arg(callsign));
         return;
     }
     emit commandRequested(Commands::resetDevice(userId));
-    settleRequestsOf(callsign); // one reset answers all that he asked
+    m_requests.settle(request.callsign);
     m_prompts.information(
         QStringLiteral("HWID Reset"),
         QStringLiteral("HWID untuk %1 berhasil direset.\nUser dapat login dari perangkat baru.").arg(callsign));
@@ -138,6 +135,5 @@ void HwidRequestsTab::approve()
 
 void HwidRequestsTab::dismiss()
 {
-    if (QListWidgetItem *item = selected())
-        remove(item);
+    m_requests.dismiss(chosenRow());
 }

@@ -1,5 +1,8 @@
 #include "ui/admin/OnlineUserModel.h"
 
+#include "ui/admin/ShownText.h"
+#include "ui/admin/UserRecord.h"
+
 #include <algorithm>
 
 namespace {
@@ -12,13 +15,11 @@ QString textOf(const QVariantMap &record, const char *key)
     return record.value(QLatin1String(key)).toString();
 }
 
-/// Not every server tells who is muted.
-QString mutedText(const QVariantMap &record)
+std::optional<bool> mutedIn(const QVariantMap &record)
 {
-    const QVariant muted = record.value(QStringLiteral("is_muted"));
-    if (!muted.isValid())
-        return QStringLiteral("-");
-    return muted.toBool() ? QStringLiteral("Yes") : QStringLiteral("No");
+    if (!record.contains(QStringLiteral("is_muted")))
+        return std::nullopt;
+    return UserRecord::isMuted(record);
 }
 
 } // namespace
@@ -45,15 +46,16 @@ QString OnlineUserModel::text(const User &user, int column) const
     case Name: return user.name;
     case Room: return user.room;
     case Status: return QStringLiteral("Online"); // only who is, is listed
-    default: return user.muted;
+    default: return user.isMuted.value_or(m_muted.contains(user.id)) ? QStringLiteral("Yes") : QStringLiteral("-");
     }
 }
 
 QVariant OnlineUserModel::data(const QModelIndex &index, int role) const
 {
-    if (!index.isValid() || index.row() >= m_users.size() || role != Qt::DisplayRole)
+    if (!index.isValid() || index.row() >= m_users.size() || (role != Qt::DisplayRole && role != kWholeTextRole))
         return {};
-    return text(m_users.at(index.row()), index.column());
+    const QString whole = text(m_users.at(index.row()), index.column());
+    return role == kWholeTextRole ? whole : shownText(whole);
 }
 
 QVariant OnlineUserModel::headerData(int section, Qt::Orientation orientation, int role) const
@@ -82,8 +84,20 @@ void OnlineUserModel::setUsers(const QList<QVariantMap> &users)
     m_users.reserve(users.size());
     for (const QVariantMap &user : users)
         m_users.append({user.value(QStringLiteral("id")).toInt(), textOf(user, "callsign"), textOf(user, "name"),
-                        textOf(user, "room"), mutedText(user)});
+                        textOf(user, "room"), mutedIn(user)});
     endResetModel();
+}
+
+void OnlineUserModel::setAccounts(const QList<QVariantMap> &accounts)
+{
+    m_muted.clear();
+    for (const QVariantMap &account : accounts) {
+        if (UserRecord::isMuted(account))
+            m_muted.insert(UserRecord::id(account));
+    }
+    m_muted.remove(0); // records without an id
+    if (!m_users.isEmpty())
+        emit dataChanged(index(0, Muted), index(m_users.size() - 1, Muted));
 }
 
 OnlineUserFilter::OnlineUserFilter(QObject *parent)
@@ -106,10 +120,10 @@ void OnlineUserFilter::setRoom(const QString &room)
 
 bool OnlineUserFilter::filterAcceptsRow(int row, const QModelIndex &parent) const
 {
-    const auto text = [this, row, &parent](int column) {
-        return sourceModel()->index(row, column, parent).data().toString();
+    const auto text = [this, row, &parent](int column, int role = Qt::DisplayRole) {
+        return sourceModel()->index(row, column, parent).data(role).toString();
     };
-    if (!m_room.isNull() && text(OnlineUserModel::Room) != m_room)
+    if (!m_room.isNull() && text(OnlineUserModel::Room, OnlineUserModel::kWholeTextRole) != m_room)
         return false;
     return m_search.isEmpty() || text(OnlineUserModel::Callsign).contains(m_search, Qt::CaseInsensitive) ||
            text(OnlineUserModel::Name).contains(m_search, Qt::CaseInsensitive);

@@ -2,9 +2,13 @@
 
 #include <QAbstractTableModel>
 #include <QList>
+#include <QSet>
 #include <QSortFilterProxyModel>
 #include <QString>
 #include <QVariantMap>
+#include <QVector>
+
+#include <optional>
 
 /// Who is logged in, as a table over the server's records: callsign, name, room, status, muted.
 class OnlineUserModel final : public QAbstractTableModel
@@ -14,6 +18,7 @@ class OnlineUserModel final : public QAbstractTableModel
 
 public:
     enum Column { Callsign, Name, Room, Status, Muted, ColumnCount };
+    static constexpr int kWholeTextRole = Qt::UserRole; ///< of a cell; texts are shown on one line of bounded length
 
     explicit OnlineUserModel(QObject *parent = nullptr);
 
@@ -27,6 +32,8 @@ public:
     [[nodiscard]] int rowOf(int userId) const;
 
     void setUsers(const QList<QVariantMap> &users);
+    /// The registered users, whose records tell who is muted: where a user's own one does not, they do.
+    void setAccounts(const QList<QVariantMap> &accounts);
 
 private:
     struct User
@@ -35,11 +42,12 @@ private:
         QString callsign;
         QString name;
         QString room;
-        QString muted;
+        std::optional<bool> isMuted;
     };
     [[nodiscard]] QString text(const User &user, int column) const;
 
     QVector<User> m_users;
+    QSet<int> m_muted; ///< ids of registered users
 };
 
 /// The rows that match a search text, in callsign or name, and that are in one room.

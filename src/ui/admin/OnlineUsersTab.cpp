@@ -1,7 +1,9 @@
 #include "ui/admin/OnlineUsersTab.h"
 
 #include "ui/admin/EmptyState.h"
+#include "ui/admin/KeyboardChoice.h"
 #include "ui/admin/OnlineUserModel.h"
+#include "ui/admin/ShownText.h"
 
 #include <QComboBox>
 #include <QHBoxLayout>
@@ -88,6 +90,7 @@ void OnlineUsersTab::createTable()
         m_table->setColumnWidth(column, kColumnWidths[column]);
     m_table->setSortingEnabled(true);
     m_table->sortByColumn(OnlineUserModel::Callsign, Qt::AscendingOrder);
+    new KeyboardChoice(m_table);
     showEmptyText();
 }
 
@@ -102,19 +105,32 @@ void OnlineUsersTab::showUsers(const QList<QVariantMap> &users)
     const QModelIndex index = m_filter->mapFromSource(m_model->index(row, OnlineUserModel::Callsign));
     if (index.isValid())
         m_table->setCurrentIndex(index);
+    else
+        m_table->doItemsLayout(); // the scroll bar's range
     m_table->verticalScrollBar()->setValue(scrolled);
+}
+
+void OnlineUsersTab::showAccounts(const QList<QVariantMap> &accounts)
+{
+    m_model->setAccounts(accounts);
+}
+
+QString OnlineUsersTab::chosenRoom() const
+{
+    return m_room->currentData().toString(); // the first entry has none
 }
 
 void OnlineUsersTab::showRooms(const QStringList &rooms)
 {
-    const QString chosen = m_room->currentIndex() > 0 ? m_room->currentText() : QString();
+    const QString chosen = chosenRoom();
     {
         const QSignalBlocker silent(m_room);
         while (m_room->count() > 1)
             m_room->removeItem(m_room->count() - 1);
-        m_room->addItems(rooms);
+        for (const QString &room : rooms)
+            m_room->addItem(shownText(room), room);
         // A room may bear the name of the first entry, which is not one of them.
-        m_room->setCurrentIndex(chosen.isEmpty() ? 0 : rooms.indexOf(chosen) + 1);
+        m_room->setCurrentIndex(chosen.isNull() ? 0 : rooms.indexOf(chosen) + 1);
     }
     applyFilters();
 }
@@ -122,7 +138,7 @@ void OnlineUsersTab::showRooms(const QStringList &rooms)
 void OnlineUsersTab::applyFilters()
 {
     m_filter->setSearch(m_search->text().trimmed());
-    m_filter->setRoom(m_room->currentIndex() > 0 ? m_room->currentText() : QString());
+    m_filter->setRoom(chosenRoom());
     showEmptyText();
 }
 

@@ -24,12 +24,16 @@ public:
 public slots:
     /// Replaces the table. Who was selected stays selected, and the table stays scrolled where it was.
     void showUsers(const QList<QVariantMap> &users);
+    /// Every registered user; tells who is muted.
+    void showAccounts(const QList<QVariantMap> &accounts);
     /// The rooms to choose from. The chosen one stays chosen as long as it is there.
     void showRooms(const QStringList &rooms);
 
 private:
     [[nodiscard]] QWidget *createFilters();
     void createTable();
+    /// Null for every room.
+    [[nodiscard]] QString chosenRoom() const;
     void applyFilters();
     void showEmptyText();
 

@@ -3,6 +3,8 @@
 #include "net/protocol/Commands.h"
 #include "ui/Prompts.h"
 #include "ui/admin/EmptyState.h"
+#include "ui/admin/KeyboardChoice.h"
+#include "ui/admin/ShownText.h"
 #include "ui/setup/InputRules.h"
 
 #include <QFormLayout>
@@ -21,11 +23,16 @@
 #include <QSpinBox>
 #include <QVBoxLayout>
 
+#include <algorithm>
+#include <utility>
+
 namespace {
 
 constexpr int kProposedMaximum = 50; // users of a new room
 constexpr int kDetailsWidth = 360;   // logical pixels
 constexpr int kItemSpacing = 2;      // logical pixels
+constexpr int kUnknown = -1;         // users of a room whose limit the server has not told
+constexpr int kNameRole = Qt::UserRole;
 
 const QString kAddRoom = QStringLiteral("Add Room");
 const QString kDeleteRoom = QStringLiteral("Delete Room");
@@ -52,6 +59,12 @@ QStringList merged(const QStringList &ordered, const QStringList &rooms)
             result.append(room);
     }
     return result;
+}
+
+/// The item's text may be cut.
+QString nameOf(const QListWidgetItem &item)
+{
+    return item.data(kNameRole).toString();
 }
 
 QPushButton *createButton(const QString &text, const char *name, const char *meaning, QWidget *parent)
@@ -93,6 +106,7 @@ QWidget *RoomsTab::createOrder()
     m_list->setDragDropMode(QAbstractItemView::InternalMove);
     m_list->setDefaultDropAction(Qt::MoveAction);
     EmptyState::show(m_list, QStringLiteral("No rooms."));
+    new KeyboardChoice(m_list);
     const auto moveBy = [this](const char *keys, int by) {
         auto *shortcut = new QShortcut(QKeySequence(QLatin1String(keys)), m_list);
         shortcut->setContext(Qt::WidgetShortcut);
@@ -137,16 +151,20 @@ QWidget *RoomsTab::createDetails()
     m_name->setValidator(new QRegularExpressionValidator(nameRule(), m_name));
     m_maximum = new QSpinBox(m_fields);
     m_maximum->setObjectName(QStringLiteral("roomMaximumSpin"));
-    m_maximum->setRange(0, kMostUsers);
-    m_maximum->setSpecialValueText(QStringLiteral("No limit"));
-    auto *save = createButton(QStringLiteral("Save Changes"), "saveRoomButton", "accent", m_fields);
-    connect(save, &QPushButton::clicked, this, &RoomsTab::onEditRoom);
+    connect(m_maximum, qOverload<int>(&QSpinBox::valueChanged), this, &RoomsTab::onMaximumChanged);
+    m_limitHint = new QLabel(QStringLiteral("The server has not told this limit. Enter one to save."), m_fields);
+    m_limitHint->setObjectName(QStringLiteral("roomLimitHint"));
+    m_limitHint->setProperty("hint", true);
+    m_limitHint->setWordWrap(true);
+    m_save = createButton(QStringLiteral("Save Changes"), "saveRoomButton", "accent", m_fields);
+    connect(m_save, &QPushButton::clicked, this, &RoomsTab::onEditRoom);
     connect(m_name, &QLineEdit::returnPressed, this, &RoomsTab::onEditRoom);
     auto *form = new QFormLayout(m_fields);
     form->setContentsMargins(0, 0, 0, 0);
     form->addRow(QStringLiteral("Name:"), m_name);
     form->addRow(QStringLiteral("Max Users:"), m_maximum);
-    form->addRow(QString(), save);
+    form->addRow(QString(), m_limitHint);
+    form->addRow(QString(), m_save);
     auto *layout = new QVBoxLayout(group);
     layout->addWidget(m_hint);
     layout->addWidget(m_fields);
@@ -158,46 +176,81 @@ QStringList RoomsTab::rooms() const
 {
     QStringList names;
     for (int row = 0; row < m_list->count(); ++row)
-        names.append(m_list->item(row)->text());
+        names.append(nameOf(*m_list->item(row)));
     return names;
 }
 
 QString RoomsTab::selectedRoom() const
 {
     const QListWidgetItem *item = m_list->selectedItems().value(0);
-    return item ? item->text() : QString();
+    return item ? nameOf(*item) : QString();
 }
 
 bool RoomsTab::isReordered() const
 {
-    return rooms() != m_saved;
+    return rooms() != m_saved || (!m_sent.isEmpty() && rooms() != m_sent);
 }
 
 void RoomsTab::showRooms(const QStringList &rooms)
 {
-    const bool wasReordered = isReordered();
-    const QStringList shown = wasReordered ? merged(this->rooms(), rooms) : rooms;
-    m_saved = rooms;
-    if (shown != this->rooms()) {
-        const QString selected = shown.contains(selectedRoom()) ? selectedRoom() : m_renamedTo;
-        const int scrolled = m_list->verticalScrollBar()->value();
-        {
-            const QSignalBlocker silent(m_list);
-            m_list->clear();
-            m_list->addItems(shown);
-            m_list->setCurrentRow(selected.isEmpty() ? -1 : shown.indexOf(selected));
-        }
-        m_list->verticalScrollBar()->setValue(scrolled);
-        showDetails();
+    QStringList ordered = this->rooms();
+    QString selected = selectedRoom();
+    const Renaming renaming = std::exchange(m_renaming, {});
+    const bool isRenamed =
+        !rooms.contains(renaming.from) && rooms.contains(renaming.to) && !ordered.contains(renaming.to);
+    if (isRenamed) {
+        std::replace(ordered.begin(), ordered.end(), renaming.from, renaming.to);
+        if (selected == renaming.from)
+            selected = renaming.to;
     }
-    if (wasReordered && !isReordered())
+    const bool wasReordered = isReordered();
+    const bool isNew = rooms != m_saved;
+    const bool isAsSent = !m_sent.isEmpty() && rooms == m_sent;
+    m_sent.clear();
+    m_saved = rooms;
+    if (const QStringList shown = wasReordered ? merged(ordered, rooms) : rooms; shown != this->rooms())
+        fill(shown, selected);
+    if (isAsSent && !isReordered())
+        showOrderSaved();
+    else if (wasReordered || isNew)
         onOrderChanged();
+}
+
+void RoomsTab::fill(const QStringList &rooms, const QString &selected)
+{
+    const int scrolled = m_list->verticalScrollBar()->value();
+    {
+        const QSignalBlocker silent(m_list);
+        m_list->clear();
+        for (const QString &room : rooms) {
+            auto *item = new QListWidgetItem(shownText(room), m_list);
+            item->setData(kNameRole, room);
+        }
+        m_list->setCurrentRow(selected.isEmpty() ? -1 : rooms.indexOf(selected));
+    }
+    m_list->verticalScrollBar()->setValue(scrolled);
+    showDetails();
+}
+
+void RoomsTab::showLimits(const RoomLimits::Map &limits)
+{
+    m_limits = limits;
+    const int told = limits.value(m_edited, kUnknown);
+    if (m_maximum->value() == m_toldMaximum && told != m_toldMaximum)
+        showMaximum(told);
+    m_toldMaximum = told; // what was entered stays
 }
 
 void RoomsTab::onOrderChanged()
 {
     m_orderStatus->setStyleSheet(QString());
     m_orderStatus->setText(isReordered() ? QStringLiteral("Room order not saved yet") : QString());
+}
+
+void RoomsTab::showOrderSaved()
+{
+    m_orderStatus->setStyleSheet(QStringLiteral("color: #4CAF50; font-weight: bold;"));
+    m_orderStatus->setText(QStringLiteral("Room order saved!"));
 }
 
 void RoomsTab::moveSelected(int by)
@@ -220,7 +273,26 @@ void RoomsTab::showDetails()
         return; // what was typed stays
     m_edited = room;
     m_name->setText(room);
-    m_maximum->setValue(m_maximums.value(room));
+    m_toldMaximum = m_limits.value(room, kUnknown);
+    showMaximum(m_toldMaximum);
+}
+
+void RoomsTab::showMaximum(int users)
+{
+    m_maximum->setRange(std::min(users, 0), std::max(users, kMostUsers)); // a larger one would be cut
+    m_maximum->setValue(users);
+    onMaximumChanged(users);
+}
+
+/// "Unknown" can be left, but not be entered.
+void RoomsTab::onMaximumChanged(int users)
+{
+    const bool isKnown = users != kUnknown;
+    if (isKnown)
+        m_maximum->setMinimum(0);
+    m_maximum->setSpecialValueText(isKnown ? QStringLiteral("No limit") : QStringLiteral("Unknown"));
+    m_save->setEnabled(isKnown);
+    m_limitHint->setVisible(!isKnown);
 }
 
 void RoomsTab::onAddRoom()
@@ -236,7 +308,6 @@ void RoomsTab::onAddRoom()
     const auto maximum = m_prompts.number(kAddRoom, QStringLiteral("Max Users:"), kProposedMaximum, 0, kMostUsers);
     if (!self || !maximum)
         return;
-    m_maximums.insert(name, *maximum);
     emit commandRequested(Commands::createRoom(name, *maximum));
     emit refreshRequested();
 }
@@ -247,11 +318,10 @@ void RoomsTab::onDeleteRoom()
     if (room.isEmpty())
         return;
     const QPointer<RoomsTab> self(this);
-    const bool confirmed =
-        m_prompts.confirm(kDeleteRoom, QStringLiteral("Are you sure you want to delete room '%1'?").arg(room));
+    const bool confirmed = m_prompts.confirm(
+        kDeleteRoom, QStringLiteral("Are you sure you want to delete room '%1'?").arg(shownText(room)));
     if (!self || !confirmed)
         return;
-    m_maximums.remove(room);
     emit commandRequested(Commands::deleteRoom(room));
     emit refreshRequested();
 }
@@ -262,19 +332,21 @@ void RoomsTab::onEditRoom()
     const QString name = m_name->text().trimmed();
     if (room.isEmpty() || name.isEmpty())
         return;
-    m_maximums.remove(room);
-    m_maximums.insert(name, m_maximum->value());
-    m_renamedTo = name;
+    if (m_maximum->value() == kUnknown) {
+        m_maximum->setFocus();
+        m_maximum->selectAll();
+        return;
+    }
+    m_renaming = {room, name};
     emit commandRequested(Commands::editRoom(room, name, m_maximum->value()));
     emit refreshRequested();
 }
 
 void RoomsTab::onSaveRoomOrder()
 {
-    m_saved = rooms();
-    if (m_saved.isEmpty())
+    m_sent = rooms();
+    if (m_sent.isEmpty())
         return;
-    emit commandRequested(Commands::setRoomOrder(m_saved));
-    m_orderStatus->setStyleSheet(QStringLiteral("color: #4CAF50; font-weight: bold;"));
-    m_orderStatus->setText(QStringLiteral("Room order saved!"));
+    emit commandRequested(Commands::setRoomOrder(m_sent));
+    showOrderSaved();
 }

@@ -1,6 +1,7 @@
 #pragma once
 
-#include <QHash>
+#include "ui/admin/RoomLimits.h"
+
 #include <QStringList>
 #include <QWidget>
 
@@ -11,8 +12,9 @@ class QListWidget;
 class QPushButton;
 class QSpinBox;
 
-/// The server's rooms: their order, their names and how many users each takes. An order that was changed and not saved
-/// yet is kept when the server sends its list again.
+/// The server's rooms: their order, their names and how many users each takes. An order that was changed is kept when
+/// the server sends its list again, until that list has come in this order. A room whose limit the server has not told
+/// is not changed before the operator has entered one: every change sends a limit, which could be a wrong one.
 class RoomsTab final : public QWidget
 {
     Q_OBJECT
@@ -29,6 +31,8 @@ public:
 public slots:
     /// The selected room stays selected as long as it is there.
     void showRooms(const QStringList &rooms);
+    /// How many users the rooms take; those that are not among them are not known.
+    void showLimits(const RoomLimits::Map &limits);
     void onAddRoom();
     void onDeleteRoom();
     /// Sends what "Room Details" says of the selected room.
@@ -45,14 +49,26 @@ private:
     [[nodiscard]] QString selectedRoom() const;
     [[nodiscard]] bool isReordered() const;
     void moveSelected(int by);
+    void fill(const QStringList &rooms, const QString &selected);
     void onOrderChanged();
+    void showOrderSaved();
     void showDetails();
+    void showMaximum(int users);
+    void onMaximumChanged(int users);
+
+    struct Renaming
+    {
+        QString from;
+        QString to;
+    };
 
     Prompts &m_prompts;
-    QStringList m_saved;            ///< the server's order
-    QHash<QString, int> m_maximums; ///< what this panel told the server; it never says itself
-    QString m_edited;               ///< the room that the details are of
-    QString m_renamedTo;            ///< what the last edited room is called when the server sends its list again
+    QStringList m_saved; ///< the server's order
+    QStringList m_sent;  ///< the order that the server was asked for, until its next list
+    RoomLimits::Map m_limits;
+    QString m_edited;       ///< the room that the details are of
+    int m_toldMaximum = -1; ///< its limit as the server told it; -1: not known
+    Renaming m_renaming;    ///< asked for; the server's next list shows whether it came about
     QListWidget *m_list = nullptr;
     QPushButton *m_delete = nullptr;
     QLabel *m_orderStatus = nullptr;
@@ -60,4 +76,6 @@ private:
     QWidget *m_fields = nullptr;
     QLineEdit *m_name = nullptr;
     QSpinBox *m_maximum = nullptr;
+    QLabel *m_limitHint = nullptr;
+    QPushButton *m_save = nullptr;
 };

@@ -10,7 +10,7 @@ bool UserFilterModel::Filter::accepts(const QVariantMap &user) const
         return false;
     const auto holds = [this](const QString &part) { return part.contains(text, Qt::CaseInsensitive); };
     return text.isEmpty() || holds(UserRecord::callsign(user)) || holds(UserRecord::gatewayName(user)) ||
-           holds(UserRecord::name(user)) || holds(UserRecord::picName(user));
+           holds(UserRecord::name(user));
 }
 
 UserFilterModel::UserFilterModel(UserTableModel *users, QObject *parent)

@@ -1,5 +1,7 @@
 #include "ui/admin/UserRecord.h"
 
+#include <QDateTime>
+
 #include <limits>
 
 namespace {
@@ -19,7 +21,10 @@ const QString kEmail = QStringLiteral("email");
 const QString kWhatsapp = QStringLiteral("whatsapp");
 const QString kApproved = QStringLiteral("approved");
 const QString kAdmin = QStringLiteral("is_admin");
+const QString kMuted = QStringLiteral("is_muted");
 const QString kDevice = QStringLiteral("registered_hwid");
+
+constexpr int kLongestTime = 40; // characters of a date, a time, its fractions and its zone
 
 QString text(const QVariantMap &record, const QString &key)
 {
@@ -94,6 +99,12 @@ QString lastLogin(const QVariantMap &record)
     return text(record, kLastLogin).replace(QLatin1Char('T'), QLatin1Char(' '));
 }
 
+QString localLastLogin(const QVariantMap &record)
+{
+    const QDateTime time = QDateTime::fromString(text(record, kLastLogin).left(kLongestTime), Qt::ISODate);
+    return time.isValid() ? time.toLocalTime().toString(QStringLiteral("yyyy-MM-dd HH:mm")) : lastLogin(record);
+}
+
 QString email(const QVariantMap &record)
 {
     return text(record, kEmail);
@@ -109,6 +120,11 @@ bool isApproved(const QVariantMap &record)
     return record.value(kApproved).toBool();
 }
 
+bool isMuted(const QVariantMap &record)
+{
+    return record.value(kMuted).toBool();
+}
+
 bool isAdmin(const QVariantMap &record)
 {
     return record.value(kAdmin).toBool();
@@ -116,7 +132,9 @@ bool isAdmin(const QVariantMap &record)
 
 bool hasDevice(const QVariantMap &record)
 {
-    return !text(record, kDevice).isEmpty();
+    const QVariant device = record.value(kDevice);
+    // Texts such as "false" and "0" are told for none as well.
+    return device.type() == QVariant::String ? QVariant(device.toString().trimmed()).toBool() : device.toBool();
 }
 
 Type typeOf(const QVariantMap &record)

@@ -21,10 +21,13 @@ enum class Type { Gateway, Personal, Admin };
 [[nodiscard]] QString expiry(const QVariantMap &record); ///< yyyy-MM-dd, or empty
 [[nodiscard]] QString frequency(const QVariantMap &record);
 [[nodiscard]] QString location(const QVariantMap &record);
-[[nodiscard]] QString lastLogin(const QVariantMap &record);
+[[nodiscard]] QString lastLogin(const QVariantMap &record); ///< as the server tells it, usually UTC
+/// To the minute, in this PC's time; as the server tells it when that is no time.
+[[nodiscard]] QString localLastLogin(const QVariantMap &record);
 [[nodiscard]] QString email(const QVariantMap &record);
 [[nodiscard]] QString whatsapp(const QVariantMap &record);
 [[nodiscard]] bool isApproved(const QVariantMap &record); ///< to transmit
+[[nodiscard]] bool isMuted(const QVariantMap &record);
 [[nodiscard]] bool isAdmin(const QVariantMap &record);
 [[nodiscard]] bool hasDevice(const QVariantMap &record); ///< is bound to one
 

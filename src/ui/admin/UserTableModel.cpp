@@ -1,6 +1,6 @@
 #include "ui/admin/UserTableModel.h"
 
-#include "ui/ElidedLabel.h"
+#include "ui/admin/ShownText.h"
 #include "ui/admin/UserRecord.h"
 
 #include <utility>
@@ -8,9 +8,6 @@
 namespace {
 
 using Column = UserTableModel::Column;
-
-constexpr int kLongestShown = 200; // characters; no text of the server is laid out further
-constexpr int kToTheMinute = 16;   // characters of "yyyy-MM-dd hh:mm"
 
 struct Title
 {
@@ -49,7 +46,7 @@ QString textOf(const QVariantMap &user, Column column)
         return UserRecord::isApproved(user) ? QStringLiteral("Approved") : QStringLiteral("Not Approved");
     case Column::Expiry: return UserRecord::expiry(user);
     case Column::Location: return UserRecord::location(user);
-    case Column::LastLogin: return UserRecord::lastLogin(user).left(kToTheMinute);
+    case Column::LastLogin: return UserRecord::lastLogin(user);
     case Column::Device: return UserRecord::deviceText(user);
     case Column::Email: return UserRecord::email(user);
     case Column::WhatsApp: return UserRecord::whatsapp(user);
@@ -58,9 +55,9 @@ QString textOf(const QVariantMap &user, Column column)
     return {};
 }
 
-QString shownText(const QVariantMap &user, Column column)
+QString cellText(const QVariantMap &user, Column column)
 {
-    return ElidedLabel::oneLine(textOf(user, column).left(kLongestShown));
+    return shownText(column == Column::LastLogin ? UserRecord::localLastLogin(user) : textOf(user, column));
 }
 
 } // namespace
@@ -91,11 +88,11 @@ QVariant UserTableModel::data(const QModelIndex &index, int role) const
     case Qt::DisplayRole:
         if (column == Column::Id)
             return m_ids.at(index.row());
-        return shownText(user, column);
+        return cellText(user, column);
     case Qt::ToolTipRole: // tags in it would be obeyed
         return column == Column::Actions
                    ? QString()
-                   : QLatin1String("<qt>") + shownText(user, column).toHtmlEscaped() + QLatin1String("</qt>");
+                   : QLatin1String("<qt>") + cellText(user, column).toHtmlEscaped() + QLatin1String("</qt>");
     case Qt::TextAlignmentRole:
         return static_cast<int>(Qt::AlignVCenter | (column == Column::Id ? Qt::AlignRight : Qt::AlignLeft));
     default: return {};

@@ -1,6 +1,7 @@
 #include "ui/admin/UserTableView.h"
 
 #include "ui/admin/EmptyState.h"
+#include "ui/admin/KeyboardChoice.h"
 #include "ui/admin/UserActionsDelegate.h"
 
 #include <QHeaderView>
@@ -41,6 +42,7 @@ int usualWidth(Column column)
 
 UserTableView::UserTableView(const QVector<Column> &columns, const QString &emptyText, QWidget *parent)
     : QTableView(parent)
+    , m_emptyText(emptyText)
     , m_model(new UserTableModel(columns, this))
     , m_filter(new UserFilterModel(m_model, this))
 {
@@ -55,7 +57,8 @@ UserTableView::UserTableView(const QVector<Column> &columns, const QString &empt
     setUpHeaders(columns);
     setSortingEnabled(true);
     sortByColumn(0, Qt::AscendingOrder);
-    EmptyState::show(this, emptyText);
+    new KeyboardChoice(this);
+    showEmptyText();
 }
 
 void UserTableView::setUpHeaders(const QVector<Column> &columns)
@@ -87,7 +90,7 @@ void UserTableView::setUpHeaders(const QVector<Column> &columns)
 
 int UserTableView::chosenRow() const
 {
-    // The current row alone is not enough: the first one becomes it when the keyboard reaches the table, unseen.
+    // The current row alone is not enough: the first one becomes it as soon as the keyboard reaches the table.
     const QModelIndexList rows = selectionModel()->selectedRows();
     return rows.isEmpty() ? -1 : rows.first().row();
 }
@@ -120,6 +123,7 @@ void UserTableView::showUsers(const QList<QVariantMap> &users)
 {
     const Place before = place();
     m_model->setUsers(users);
+    showEmptyText();
     restore(before);
 }
 
@@ -128,6 +132,11 @@ void UserTableView::setFilter(const UserFilterModel::Filter &filter)
     const Place before = place();
     m_filter->setFilter(filter);
     restore(before);
+}
+
+void UserTableView::showEmptyText()
+{
+    EmptyState::show(this, users().isEmpty() ? m_emptyText : QStringLiteral("No user matches the search."));
 }
 
 UserTableView::Place UserTableView::place() const

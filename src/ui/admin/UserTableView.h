@@ -13,7 +13,7 @@ class UserTableView final : public QTableView
     Q_DISABLE_COPY_MOVE(UserTableView)
 
 public:
-    /// Says the text while it is empty.
+    /// Says the text while there is no user at all.
     UserTableView(const QVector<UserTableModel::Column> &columns, const QString &emptyText, QWidget *parent);
 
     [[nodiscard]] int shownCount() const { return m_filter->rowCount(); }
@@ -44,12 +44,14 @@ private:
     };
 
     void setUpHeaders(const QVector<UserTableModel::Column> &columns);
+    void showEmptyText();
     [[nodiscard]] int chosenRow() const; ///< -1: none
     [[nodiscard]] int idOfRow(int row) const;
     [[nodiscard]] QModelIndex indexOf(int userId) const;
     [[nodiscard]] Place place() const;
     void restore(const Place &place);
 
+    QString m_emptyText;
     UserTableModel *m_model;
     UserFilterModel *m_filter;
 };
