@@ -5,6 +5,7 @@
 #include "SetupRig.h"
 #include "WindowRig.h"
 #include "net/TcpClient.h"
+#include "support/FakeServer.h"
 #include "support/Wait.h"
 #include "ui/AboutDialog.h"
 #include "ui/Theme.h"
@@ -21,6 +22,7 @@
 
 #include <QApplication>
 #include <QDir>
+#include <QListWidget>
 #include <QPixmap>
 #include <QTabWidget>
 #include <QTextStream>
@@ -28,8 +30,10 @@
 namespace {
 
 constexpr std::chrono::milliseconds kLayout{200};
+constexpr std::chrono::milliseconds kConnecting{5000};
 constexpr int kFontSize = 9; // points
 constexpr QSize kWindow(800, 740);
+constexpr QSize kPanel(1120, 680);
 
 QString q(const char *text)
 {
@@ -46,6 +50,7 @@ public:
     }
 
     [[nodiscard]] bool isComplete() const { return m_complete; }
+    void giveUp() { m_complete = false; }
 
     /// Shows the widget long enough to be laid out and keeps its picture.
     void add(QWidget &widget, const QString &name)
@@ -186,8 +191,15 @@ void addAdministration(Album *album, bool dark)
 {
     const TestConfig config(operatorsValues(dark));
     ScriptedPrompts prompts;
+    FakeServer server;
     TcpClient client;
+    client.connectToServer(server.host(), server.port());
+    if (!waitFor([&client] { return client.isConnected(); }, kConnecting)) {
+        album->giveUp();
+        return;
+    }
     AdminPanel panel(&client, prompts);
+    panel.resize(kPanel);
     const QList<QVariantMap> users{account(1, q("YB0ADM"), {}, q("active"), true),
                                    account(2, q("YH0GW"), q("RF-GW SINAR Bukit"), q("active"), true),
                                    account(3, q("YH1LB"), q("RF-GW SINAR Lembah"), q("suspended"), true),
@@ -202,6 +214,7 @@ void addAdministration(Album *album, bool dark)
     emit client.pendingUsersReceived({users.last()});
     emit client.audioQualityReceived({{q("preset"), q("standard")}});
     panel.addHwidRequest(q("YH1LB:3"), QDateTime({2026, 5, 30}, {7, 15}));
+    panel.findChild<QListWidget *>(q("roomsList"))->setCurrentRow(1);
     auto *tabs = panel.findChild<QTabWidget *>();
     const QStringList names{q("online"), q("rooms"), q("users"), q("audio"), q("pending"), q("hwid")};
     for (int i = 0; i < names.size(); ++i) {

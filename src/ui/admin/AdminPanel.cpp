@@ -15,6 +15,7 @@
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QPushButton>
+#include <QScreen>
 #include <QTabWidget>
 #include <QTimer>
 #include <QVBoxLayout>
@@ -24,6 +25,8 @@
 namespace {
 
 constexpr QSize kMinimumSize(900, 600); // logical pixels
+constexpr QSize kUsualSize(1120, 680);  // every title of the table of accounts is readable
+constexpr QSize kFrame(20, 60);         // the window manager's, around the panel
 constexpr std::chrono::milliseconds kRefreshDelay{500};
 
 } // namespace
@@ -45,6 +48,7 @@ AdminPanel::AdminPanel(TcpClient *client, Prompts &prompts, QWidget *parent, Hwi
     setObjectName(QStringLiteral("adminPanelDialog"));
     setWindowTitle(QStringLiteral("Admin Panel"));
     setMinimumSize(kMinimumSize);
+    resize(kUsualSize.boundedTo(screen()->availableSize() - kFrame).expandedTo(kMinimumSize));
     m_refresh->setSingleShot(true);
     m_refresh->setInterval(kRefreshDelay);
     connect(m_refresh, &QTimer::timeout, this, &AdminPanel::onRefreshAll);

@@ -101,7 +101,8 @@ QVariant UserTableModel::data(const QModelIndex &index, int role) const
 
 QVariant UserTableModel::headerData(int section, Qt::Orientation orientation, int role) const
 {
-    if (orientation != Qt::Horizontal || role != Qt::DisplayRole || section < 0 || section >= m_columns.size())
+    const bool isTitle = role == Qt::DisplayRole || role == Qt::ToolTipRole; // a narrow column cuts its title
+    if (orientation != Qt::Horizontal || !isTitle || section < 0 || section >= m_columns.size())
         return {};
     for (const Title &title : kTitles) {
         if (title.column == m_columns.at(section))

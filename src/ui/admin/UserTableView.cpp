@@ -28,10 +28,10 @@ int usualWidth(Column column)
     case Column::Location:
     case Column::Email: return 0;
     case Column::Status: return 9;
-    case Column::Approved: return 11;
+    case Column::Approved: return 12;
     case Column::Expiry: return 10;
     case Column::LastLogin: return 15;
-    case Column::Device: return 11;
+    case Column::Device: return 13;
     case Column::WhatsApp: return 16;
     case Column::Actions: return 7;
     }
@@ -67,6 +67,7 @@ void UserTableView::setUpHeaders(const QVector<Column> &columns)
     verticalHeader()->setSectionResizeMode(QHeaderView::Fixed); // no row is measured
     verticalHeader()->setDefaultSectionSize(fontMetrics().height() + kRowPadding);
     horizontalHeader()->setHighlightSections(false);
+    horizontalHeader()->setTextElideMode(Qt::ElideRight);
     horizontalHeader()->setDefaultAlignment(Qt::AlignLeft | Qt::AlignVCenter);
     const int digit = fontMetrics().horizontalAdvance(QLatin1Char('0'));
     horizontalHeader()->setMinimumSectionSize(kNarrowest * digit);
