@@ -20,7 +20,7 @@
 #include <time.h>
 #include <unistd.h>
 
-enum { kMaxPorts = 16, kMaxName = 64, kMaxList = 4096 };
+enum { kMaxPorts = 16, kMaxName = 64, kMaxList = 4096, kMaxDescriptors = 1024 };
 static const uint32_t kOutputs = TIOCM_RTS | TIOCM_DTR;
 
 struct Port
@@ -33,6 +33,8 @@ static pthread_mutex_t s_lock = PTHREAD_MUTEX_INITIALIZER;
 static struct Port s_ports[kMaxPorts];
 static int s_portCount = 0;
 static char s_list[kMaxList];
+/* Ports that this process has opened itself: a descriptor that was handed to it is closed without an effect. */
+static unsigned char s_isOpened[kMaxDescriptors];
 
 /* Declares `real` as the next definition of `name`. */
 #define REAL(result, name, ...)                                                                                        \
@@ -171,6 +173,7 @@ int ioctl(int fd, unsigned long request, ...)
     if (request != TIOCMGET && request != TIOCMSET && request != TIOCMBIS && request != TIOCMBIC)
         return real(fd, request, argument);
     pthread_mutex_lock(&s_lock);
+    readList(); /* the descriptor may come from a process that has opened the port for this one */
     struct SimSerialState *state = stateOf(fd);
     if (state)
         modemRequest(state, request, argument);
@@ -202,7 +205,8 @@ static int opened(int fd)
     if (fd >= 0) {
         pthread_mutex_lock(&s_lock);
         struct SimSerialState *state = stateOf(fd);
-        if (state) {
+        if (state && fd < kMaxDescriptors) {
+            s_isOpened[fd] = 1;
             __atomic_fetch_add(&state->openCount, 1, __ATOMIC_SEQ_CST);
             setOutputs(state, kOutputs, 0);
         }
@@ -231,9 +235,10 @@ DEFINE_OPEN(open64)
 
 int close(int fd)
 {
-    if (s_portCount > 0) {
+    if (fd >= 0 && fd < kMaxDescriptors && s_isOpened[fd]) {
         const int error = errno;
         pthread_mutex_lock(&s_lock);
+        s_isOpened[fd] = 0;
         struct SimSerialState *state = stateOf(fd);
         if (state && __atomic_load_n(&state->openCount, __ATOMIC_SEQ_CST) > 0 &&
             __atomic_sub_fetch(&state->openCount, 1, __ATOMIC_SEQ_CST) == 0)
