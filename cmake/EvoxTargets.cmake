@@ -29,11 +29,16 @@ foreach(label unit wire widget e2e)
     add_custom_target(tests-${label})
 endforeach()
 
-# evox_add_test(folder name [SOURCES …] [LIBS …] [LABEL unit|wire|widget|e2e] [SERIAL] [TIMEOUT s])
+# evox_add_test(folder name [SOURCES …] [LIBS …] [LABEL unit|wire|widget|e2e] [SERIAL] [TIMEOUT s] [LINUX_ONLY why])
 # The test program <name> of tests/<folder>/<name>.cpp, linked with evox_<folder> and the test kit.
 # SERIAL preloads the modem-line shim, so that real QSerialPort code opens simulated ports.
+# LINUX_ONLY leaves it out on Windows, and configuring says why.
 function(evox_add_test folder name)
-    cmake_parse_arguments(ARG "SERIAL" "LABEL;TIMEOUT" "SOURCES;LIBS" ${ARGN})
+    cmake_parse_arguments(ARG "SERIAL" "LABEL;TIMEOUT;LINUX_ONLY" "SOURCES;LIBS" ${ARGN})
+    if(WIN32 AND ARG_LINUX_ONLY)
+        set_property(GLOBAL APPEND PROPERTY EVOX_LEFT_OUT_TESTS "${name}: ${ARG_LINUX_ONLY}")
+        return()
+    endif()
     if(NOT ARG_LABEL)
         set(ARG_LABEL unit)
     endif()
@@ -62,4 +67,12 @@ function(evox_add_test folder name)
     endif()
     set_tests_properties(${name} PROPERTIES
         LABELS ${ARG_LABEL} TIMEOUT ${ARG_TIMEOUT} ENVIRONMENT "${environment}")
+endfunction()
+
+# Says at the end of configuring which tests this system does not get.
+function(evox_report_left_out_tests)
+    get_property(left_out GLOBAL PROPERTY EVOX_LEFT_OUT_TESTS)
+    foreach(test ${left_out})
+        message(STATUS "Left out on Windows: ${test}")
+    endforeach()
 endfunction()

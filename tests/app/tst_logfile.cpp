@@ -2,6 +2,7 @@
 #include "app/LogFile.h"
 #include "app/LogMask.h"
 #include "support/LogCapture.h"
+#include "support/ResourceLimit.h"
 #include "support/TestConfig.h"
 #include "support/TestMain.h"
 
@@ -13,9 +14,7 @@
 
 #include <array>
 #include <atomic>
-#include <csignal>
 #include <memory>
-#include <sys/resource.h>
 #include <thread>
 #include <vector>
 
@@ -63,30 +62,6 @@ void countMessages(QtMsgType, const QMessageLogContext &, const QString &)
 {
     ++s_passedOn;
 }
-
-/// No file of this process grows past so many bytes while it lives.
-class FileSizeLimit final
-{
-public:
-    explicit FileSizeLimit(rlim_t bytes)
-        : m_signal(std::signal(SIGXFSZ, SIG_IGN))
-    {
-        getrlimit(RLIMIT_FSIZE, &m_before);
-        rlimit limit = m_before;
-        limit.rlim_cur = bytes;
-        setrlimit(RLIMIT_FSIZE, &limit);
-    }
-    ~FileSizeLimit()
-    {
-        setrlimit(RLIMIT_FSIZE, &m_before);
-        std::signal(SIGXFSZ, m_signal);
-    }
-    Q_DISABLE_COPY_MOVE(FileSizeLimit)
-
-private:
-    void (*m_signal)(int);
-    rlimit m_before{};
-};
 
 /// So many bytes in lines that are numbered from 0 on; how many they are.
 int writeNumbered(qint64 bytes)
@@ -314,12 +289,15 @@ void LogFileTest::withoutAFolder()
 
 void LogFileTest::fullDisk()
 {
+    if (!ResourceLimit::isPossible())
+        QSKIP("this system has no limit for a file's size");
     LogCapture capture;
     {
         const LogFile log(m_folder);
         qDebug() << "[Test] before";
         {
-            const FileSizeLimit limit(static_cast<rlim_t>(QFileInfo(path()).size()) + 20);
+            const auto size = static_cast<quint64>(QFileInfo(path()).size());
+            const ResourceLimit limit(ResourceLimit::Of::FileSize, size + 20);
             qDebug() << "[Test] cut off";
             qDebug() << "[Test] lost";
         }

@@ -8,22 +8,13 @@
 #include <QJsonDocument>
 
 TestConfig::TestConfig(const QJsonObject &values)
-    : m_dataHome(qgetenv("XDG_DATA_HOME"))
-    , m_configHome(qgetenv("XDG_CONFIG_HOME"))
+    : m_home(m_folder.path())
 {
-    qputenv("XDG_DATA_HOME", QFile::encodeName(m_folder.path()));
-    qputenv("XDG_CONFIG_HOME", QFile::encodeName(m_folder.path()));
     QCoreApplication::setApplicationName(Product::name());
     QCoreApplication::setOrganizationName(Product::organisation());
     if (!values.isEmpty())
         writeFile(QJsonDocument(values).toJson());
     Config::instance().load();
-}
-
-TestConfig::~TestConfig()
-{
-    qputenv("XDG_DATA_HOME", m_dataHome);
-    qputenv("XDG_CONFIG_HOME", m_configHome);
 }
 
 QJsonObject TestConfig::saved() const

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "support/PrivateHome.h"
+
 #include <QJsonObject>
 #include <QTemporaryDir>
 
@@ -10,7 +12,6 @@ class TestConfig final
 public:
     /// The configuration begins with these values, on disk and in memory.
     explicit TestConfig(const QJsonObject &values = {});
-    ~TestConfig();
     TestConfig(const TestConfig &) = delete;
     TestConfig &operator=(const TestConfig &) = delete;
 
@@ -22,6 +23,5 @@ public:
 
 private:
     QTemporaryDir m_folder;
-    QByteArray m_dataHome;
-    QByteArray m_configHome;
+    PrivateHome m_home;
 };

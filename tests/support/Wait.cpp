@@ -28,8 +28,11 @@ bool waitFor(const std::function<bool()> &condition, std::chrono::milliseconds t
 
 void unwindOnInterrupt()
 {
-    for (const int signal : {SIGINT, SIGTERM, SIGHUP})
+    for (const int signal : {SIGINT, SIGTERM})
         std::signal(signal, onInterrupt);
+#ifdef SIGHUP
+    std::signal(SIGHUP, onInterrupt);
+#endif
 }
 
 bool wasInterrupted()
