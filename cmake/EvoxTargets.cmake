@@ -24,6 +24,8 @@ endfunction()
 
 file(WRITE ${CMAKE_BINARY_DIR}/no-alsa.conf "# empty: hides every device\n")
 
+set(EVOX_SIMSERIAL_FOR_WINE ${CMAKE_BINARY_DIR}/lib/libevox-simserial.so)
+
 # tests-unit, tests-wire, tests-widget, tests-e2e: the test programs of one label.
 foreach(label unit wire widget e2e)
     add_custom_target(tests-${label})
@@ -31,10 +33,14 @@ endforeach()
 
 # evox_add_test(folder name [SOURCES …] [LIBS …] [LABEL unit|wire|widget|e2e] [SERIAL] [TIMEOUT s] [LINUX_ONLY why])
 # The test program <name> of tests/<folder>/<name>.cpp, linked with evox_<folder> and the test kit.
-# SERIAL preloads the modem-line shim, so that real QSerialPort code opens simulated ports.
+# SERIAL preloads the modem-line shim, so that real QSerialPort code opens simulated ports; on Windows that is done
+# under Wine only.
 # LINUX_ONLY leaves it out on Windows, and configuring says why.
 function(evox_add_test folder name)
     cmake_parse_arguments(ARG "SERIAL" "LABEL;TIMEOUT;LINUX_ONLY" "SOURCES;LIBS" ${ARGN})
+    if(ARG_SERIAL AND WIN32 AND NOT CMAKE_CROSSCOMPILING)
+        set(ARG_LINUX_ONLY "simulates serial ports")
+    endif()
     if(WIN32 AND ARG_LINUX_ONLY)
         set_property(GLOBAL APPEND PROPERTY EVOX_LEFT_OUT_TESTS "${name}: ${ARG_LINUX_ONLY}")
         return()
@@ -61,7 +67,11 @@ function(evox_add_test folder name)
         EVOX_BUILD_DIR=${CMAKE_BINARY_DIR} ${EVOX_SANITIZER_ENVIRONMENT}
         # No sound daemon and no device of this machine: a test that needs sound brings its own daemon.
         PULSE_SERVER=unix:${CMAKE_BINARY_DIR}/no-sound-daemon ALSA_CONFIG_PATH=${CMAKE_BINARY_DIR}/no-alsa.conf)
-    if(ARG_SERIAL)
+    if(ARG_SERIAL AND WIN32)
+        add_dependencies(${name} evox-simserial)
+        set_target_properties(${name} PROPERTIES CROSSCOMPILING_EMULATOR
+            "${EVOX_WINE_RUN};--serial;${EVOX_SIMSERIAL_FOR_WINE};${CMAKE_BINARY_DIR}")
+    elseif(ARG_SERIAL)
         add_dependencies(${name} evox-simserial)
         list(APPEND environment "LD_PRELOAD=$<$<BOOL:${EVOX_LIBASAN}>:${EVOX_LIBASAN}:>$<TARGET_FILE:evox-simserial>")
     endif()

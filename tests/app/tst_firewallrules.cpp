@@ -7,8 +7,20 @@
 
 namespace {
 
-const QByteArray kNoRule("case \"$2\" in *' show rule '*) echo; echo 'No rules match the specified criteria.'; "
-                         "exit 1;; esac\n");
+using Reply = FakeProgram::Reply;
+using Replies = QList<Reply>;
+
+constexpr auto kExits = FakeProgram::Ending::Exits;
+constexpr auto kHangs = FakeProgram::Ending::Hangs;
+constexpr auto kCrashes = FakeProgram::Ending::Crashes;
+const char kShow[] = " show rule ";
+const char kIn[] = "dir=in";
+const char kOut[] = "dir=out";
+
+Reply noRule()
+{
+    return {"\nNo rules match the specified criteria.\n", 1, kExits, kShow};
+}
 
 QString shell()
 {
@@ -20,16 +32,16 @@ QString program()
     return QDir::toNativeSeparators(QCoreApplication::applicationFilePath());
 }
 
-QStringList showCall()
+QString showCall()
 {
-    return {QStringLiteral("/c"), QStringLiteral("netsh advfirewall firewall show rule name=\"eVOX SINAR\"")};
+    return QStringLiteral("/c netsh advfirewall firewall show rule name=\"eVOX SINAR\"");
 }
 
-QStringList addCall(const QString &direction)
+QString addCall(const QString &direction)
 {
-    return {QStringLiteral("/c"), QStringLiteral("netsh advfirewall firewall add rule name=\"eVOX SINAR\" dir=%1 "
-                                                 "action=allow program=\"%2\" enable=yes")
-                                      .arg(direction, program())};
+    return QStringLiteral("/c netsh advfirewall firewall add rule name=\"eVOX SINAR\" dir=%1 action=allow "
+                          "program=\"%2\" enable=yes")
+        .arg(direction, program());
 }
 
 QString added(const QString &direction)
@@ -43,6 +55,8 @@ QString failed(const QString &direction)
 }
 
 } // namespace
+
+Q_DECLARE_METATYPE(Reply)
 
 class FirewallRulesTest final : public QObject
 {
@@ -60,27 +74,31 @@ private slots:
 
 void FirewallRulesTest::addsNothing_data()
 {
-    QTest::addColumn<QByteArray>("script");
-    QTest::newRow("the rule exists") << QByteArray("echo 'Rule Name: eVOX SINAR'\n");
-    QTest::newRow("a Windows in another language") << QByteArray("echo 'Tidak ada aturan yang cocok.'; exit 1\n");
-    QTest::newRow("other letters") << QByteArray("echo 'NO RULES MATCH'\n");
-    QTest::newRow("no output") << QByteArray("exit 1\n");
-    QTest::newRow("told on the other stream") << QByteArray("echo 'No rules match' >&2\n");
-    QTest::newRow("never ends and says nothing") << QByteArray("exec sleep 60\n");
+    QTest::addColumn<Reply>("reply");
+    const auto row = [](const char *name, const Reply &reply) { QTest::newRow(name) << reply; };
+    row("the rule exists", {"Rule Name: eVOX SINAR\n"});
+    row("a Windows in another language", {"Tidak ada aturan yang cocok.\n", 1});
+    row("other letters", {"NO RULES MATCH\n"});
+    row("no output", {{}, 1});
+    row("told on the other stream", {{}, 0, kExits, {}, {}, "No rules match\n"});
+    row("never ends and says nothing", {{}, 0, kHangs});
 }
 
 void FirewallRulesTest::addsNothing()
 {
-    QFETCH(QByteArray, script);
-    const FakeProgram cmd(shell(), script);
+    QFETCH(Reply, reply);
+    const FakeProgram cmd(shell(), {reply});
     const LogCapture log;
     setupFirewallRules();
-    QCOMPARE(cmd.calls(), QList<QStringList>{showCall()});
+    QCOMPARE(cmd.calls(), QStringList{showCall()});
     QCOMPARE(log.lines(), QStringList{QStringLiteral("[FIREWALL] Rule already exists: eVOX SINAR")});
 }
 
 void FirewallRulesTest::addsNothingWithoutAShell()
 {
+#ifdef Q_OS_WIN
+    QSKIP("Windows always has its shell");
+#endif
     const LogCapture log;
     setupFirewallRules();
     QCOMPARE(log.lines(), QStringList{QStringLiteral("[FIREWALL] Rule already exists: eVOX SINAR")});
@@ -88,38 +106,36 @@ void FirewallRulesTest::addsNothingWithoutAShell()
 
 void FirewallRulesTest::addsARuleForEachDirection_data()
 {
-    QTest::addColumn<QByteArray>("script");
+    QTest::addColumn<Replies>("replies");
     QTest::addColumn<QStringList>("lines");
     const QString in = QStringLiteral("in");
     const QString out = QStringLiteral("out");
-    QTest::newRow("both succeed") << kNoRule + "echo Ok.\n" << QStringList{added(in), added(out)};
-    QTest::newRow("without the rights") << kNoRule + "exit 1\n" << QStringList{failed(in), failed(out)};
-    QTest::newRow("only inwards") << kNoRule + "case \"$2\" in *dir=out*) exit 5;; esac\n"
-                                  << QStringList{added(in), failed(out)};
-    QTest::newRow("only outwards") << kNoRule + "case \"$2\" in *dir=in*) exit 5;; esac\n"
-                                   << QStringList{failed(in), added(out)};
-    QTest::newRow("the shell crashes") << kNoRule + "kill -SEGV $$\n" << QStringList{failed(in), failed(out)};
-    QTest::newRow("the check answers and hangs")
-        << QByteArray("case \"$2\" in *' show rule '*) echo 'No rules match'; exec sleep 60;; esac\n")
-        << QStringList{added(in), added(out)};
+    const auto row = [](const char *name, const Replies &replies, const QStringList &lines) {
+        QTest::newRow(name) << replies << lines;
+    };
+    row("both succeed", {noRule(), {"Ok.\n"}}, {added(in), added(out)});
+    row("without the rights", {noRule(), {{}, 1}}, {failed(in), failed(out)});
+    row("only inwards", {noRule(), {{}, 5, kExits, kOut}}, {added(in), failed(out)});
+    row("only outwards", {noRule(), {{}, 5, kExits, kIn}}, {failed(in), added(out)});
+    row("the shell crashes", {noRule(), {{}, 0, kCrashes}}, {failed(in), failed(out)});
+    row("the check answers and hangs", {{"No rules match\n", 0, kHangs, kShow}}, {added(in), added(out)});
 }
 
 void FirewallRulesTest::addsARuleForEachDirection()
 {
-    QFETCH(QByteArray, script);
+    QFETCH(Replies, replies);
     QFETCH(QStringList, lines);
-    const FakeProgram cmd(shell(), script);
+    const FakeProgram cmd(shell(), replies);
     LogCapture log;
     log.expectWarning(QStringLiteral("[FIREWALL] Failed"));
     setupFirewallRules();
-    QCOMPARE(cmd.calls(),
-             (QList<QStringList>{showCall(), addCall(QStringLiteral("in")), addCall(QStringLiteral("out"))}));
+    QCOMPARE(cmd.calls(), (QStringList{showCall(), addCall(QStringLiteral("in")), addCall(QStringLiteral("out"))}));
     QCOMPARE(log.lines(), lines);
 }
 
 void FirewallRulesTest::aDirectionThatNeverEndsFails()
 {
-    const FakeProgram cmd(shell(), kNoRule + "case \"$2\" in *dir=in*) exec sleep 60;; esac\n");
+    const FakeProgram cmd(shell(), {noRule(), {{}, 0, kHangs, kIn}});
     LogCapture log;
     log.expectWarning(QStringLiteral("[FIREWALL] Failed"));
     setupFirewallRules();
@@ -129,11 +145,8 @@ void FirewallRulesTest::aDirectionThatNeverEndsFails()
 // After one direction was added, the next start finds the name present.
 void FirewallRulesTest::aHalfAddedPairIsLeftAlone()
 {
-    const QTemporaryDir rules;
-    const QByteArray rule = '"' + QFile::encodeName(rules.filePath(QStringLiteral("rule"))) + '"';
-    const FakeProgram cmd(shell(), "case \"$2\" in\n*' show rule '*) cat " + rule +
-                                       " 2>/dev/null || echo 'No rules match';;\n*dir=in*) echo here > " + rule +
-                                       ";;\n*) exit 1;;\nesac\n");
+    const FakeProgram cmd(
+        shell(), {{"Rule Name: eVOX SINAR\n", 0, kExits, kShow, kIn}, noRule(), {"Ok.\n", 0, kExits, kIn}, {{}, 1}});
     LogCapture log;
     log.expectWarning(QStringLiteral("[FIREWALL] Failed"));
     setupFirewallRules();

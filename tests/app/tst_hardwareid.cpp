@@ -7,6 +7,8 @@
 #include <QRegularExpression>
 #include <QSysInfo>
 
+Q_DECLARE_METATYPE(FakeProgram::Reply)
+
 namespace {
 
 QString expectedFor(const QString &processor)
@@ -92,24 +94,26 @@ void HardwareIdTest::readsWmic()
 
 void HardwareIdTest::usesTheProcessorThatWmicNames()
 {
-    const FakeProgram wmic(
-        QStringLiteral("wmic"),
-        "[ \"$*\" = 'cpu get ProcessorId' ] && printf 'ProcessorId\\r\\n0123456789ABCDEF  \\r\\n'\n");
+    FakeProgram::Reply reply;
+    reply.output = "ProcessorId\r\n0123456789ABCDEF  \r\n";
+    const FakeProgram wmic(QStringLiteral("wmic"), {reply});
     QCOMPARE(generateHardwareId(), expectedFor(QStringLiteral("0123456789ABCDEF")));
+    QCOMPARE(wmic.calls(), QStringList{QStringLiteral("cpu get ProcessorId")});
 }
 
 void HardwareIdTest::fallsBackToTheArchitecture_data()
 {
-    QTest::addColumn<QByteArray>("script");
-    QTest::newRow("prints only the heading") << QByteArray("echo ProcessorId\n");
-    QTest::newRow("prints nothing") << QByteArray("exit 1\n");
-    QTest::newRow("does not finish") << QByteArray("echo ProcessorId; echo LATE; exec sleep 60\n");
+    QTest::addColumn<FakeProgram::Reply>("reply");
+    const auto row = [](const char *name, const FakeProgram::Reply &reply) { QTest::newRow(name) << reply; };
+    row("prints only the heading", {"ProcessorId\n"});
+    row("prints nothing", {{}, 1});
+    row("does not finish", {"ProcessorId\nLATE\n", 0, FakeProgram::Ending::Hangs});
 }
 
 void HardwareIdTest::fallsBackToTheArchitecture()
 {
-    QFETCH(QByteArray, script);
-    const FakeProgram wmic(QStringLiteral("wmic"), script);
+    QFETCH(FakeProgram::Reply, reply);
+    const FakeProgram wmic(QStringLiteral("wmic"), {reply});
     QCOMPARE(generateHardwareId(), expectedFor(QSysInfo::currentCpuArchitecture()));
 }
 

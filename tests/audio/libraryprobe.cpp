@@ -9,6 +9,9 @@
 #include <QFileInfo>
 
 #include <cstdio>
+#ifdef Q_OS_WIN
+#include <windows.h>
+#endif
 
 namespace {
 
@@ -30,8 +33,12 @@ QString word(bool value)
 // Whether a library of that name is mapped into this process right now.
 bool isMapped(const QString &name)
 {
+#ifdef Q_OS_WIN
+    return GetModuleHandleW(reinterpret_cast<const wchar_t *>(name.utf16())) != nullptr;
+#else
     QFile maps(QStringLiteral("/proc/self/maps"));
     return maps.open(QIODevice::ReadOnly) && maps.readAll().contains(name.toUtf8());
+#endif
 }
 
 template<typename Library> void probe(const QString &fileName)

@@ -4,14 +4,15 @@
 #include <QCoreApplication>
 #include <QDir>
 #include <QFile>
+#include <QFileInfo>
 #include <QProcess>
 #include <QRegularExpression>
 #include <QTemporaryDir>
 
 namespace {
 
-const QString kOpusFile = QStringLiteral("libopus-0.so");
-const QString kSodiumFile = QStringLiteral("libsodium.so");
+const QString kOpusFile = LibraryFinder::fileName(QStringLiteral("libopus-0"));
+const QString kSodiumFile = LibraryFinder::fileName(QStringLiteral("libsodium"));
 
 QString realLibrary(const QString &name)
 {
@@ -20,7 +21,13 @@ QString realLibrary(const QString &name)
 
 QString fakeLibrary(const QString &name)
 {
-    return qEnvironmentVariable("EVOX_BUILD_DIR") + QStringLiteral("/fakes/") + name + QStringLiteral(".so");
+    return qEnvironmentVariable("EVOX_BUILD_DIR") + QStringLiteral("/fakes/") + LibraryFinder::fileName(name);
+}
+
+// A file that no system takes for a library.
+QString noLibrary()
+{
+    return QCoreApplication::applicationDirPath() + QStringLiteral("/eula.txt");
 }
 
 // A folder with a copy of the probe, started with another folder as the current one.
@@ -29,33 +36,49 @@ class Installation
 public:
     Installation()
     {
-        const QString probe = QCoreApplication::applicationDirPath() + QStringLiteral("/evox-libraryprobe");
+        const QString suffix = QFileInfo(QCoreApplication::applicationFilePath()).suffix();
+        m_probe = path("app/probe") + (suffix.isEmpty() ? QString() : QLatin1Char('.') + suffix);
+        const QString probe = QCoreApplication::applicationDirPath() + QStringLiteral("/evox-libraryprobe") +
+                              m_probe.mid(path("app/probe").size());
         m_ready = QDir(m_folder.path()).mkpath(QStringLiteral("app/libs")) &&
-                  QDir(m_folder.path()).mkpath(QStringLiteral("current")) && QFile::copy(probe, path("app/probe"));
+                  QDir(m_folder.path()).mkpath(QStringLiteral("current")) && QFile::copy(probe, m_probe);
     }
+    ~Installation()
+    {
+        for (const QString &file : qAsConst(m_elsewhere))
+            QFile::remove(file);
+    }
+    Q_DISABLE_COPY_MOVE(Installation)
 
     [[nodiscard]] bool isReady() const { return m_ready; }
     [[nodiscard]] QString path(const char *relative) const
     {
         return m_folder.path() + QLatin1Char('/') + QString::fromLatin1(relative);
     }
-    [[nodiscard]] bool put(const QString &library, const QString &folder, const QString &fileName) const
+    // The folder is relative to this one; if it is absolute on this system, the file goes there and away at the end.
+    [[nodiscard]] bool put(const QString &library, const QString &folder, const QString &fileName)
     {
-        QDir(m_folder.path()).mkpath(folder);
-        return QFile::copy(library, m_folder.path() + QLatin1Char('/') + folder + QLatin1Char('/') + fileName);
+        const QDir target(QDir::isAbsolutePath(folder) ? folder : path(qPrintable(folder)));
+        const QString file = target.filePath(fileName);
+        if (QDir::isAbsolutePath(folder))
+            m_elsewhere.append(file);
+        return target.mkpath(QStringLiteral(".")) && QFile::copy(library, file);
     }
     [[nodiscard]] QStringList run(const QString &what) const
     {
         QProcess probe;
         probe.setWorkingDirectory(path("current"));
-        probe.start(path("app/probe"), {what});
+        probe.start(m_probe, {what});
         if (!probe.waitForFinished() || probe.exitStatus() != QProcess::NormalExit || probe.exitCode() != 0)
             return {QStringLiteral("probe failed: ") + QString::fromUtf8(probe.readAllStandardError())};
-        return QString::fromUtf8(probe.readAllStandardOutput()).split(QLatin1Char('\n'), Qt::SkipEmptyParts);
+        const QByteArray output = probe.readAllStandardOutput().replace("\r\n", "\n");
+        return QString::fromUtf8(output).split(QLatin1Char('\n'), Qt::SkipEmptyParts);
     }
 
 private:
     QTemporaryDir m_folder;
+    QString m_probe;
+    QStringList m_elsewhere;
     bool m_ready = false;
 };
 
@@ -105,7 +128,10 @@ void TestRuntimeLibraries::firstFileWins_data()
     const QString sodiumBuild = QStringLiteral("C:/e-vox-sinar-v4/libs/sodium/x86");
     for (const QString &what : {QStringLiteral("opus"), QStringLiteral("sodium")}) {
         const QByteArray name = what.toLatin1();
-        const QString build = QStringLiteral("current/") + (what == QLatin1String("opus") ? opusBuild : sodiumBuild);
+        // The build's folder is absolute on Windows only; elsewhere it begins at the current folder.
+        const QString buildFolder = what == QLatin1String("opus") ? opusBuild : sodiumBuild;
+        const QString build =
+            QDir::isAbsolutePath(buildFolder) ? buildFolder : QStringLiteral("current/") + buildFolder;
         const QStringList order{QStringLiteral("app"), QStringLiteral("app/libs"), QStringLiteral("current"), build};
         QTest::addRow("%s: beside the program before all others", name.constData()) << what << order << order[0];
         QTest::addRow("%s: libs before the current folder", name.constData())
@@ -141,11 +167,10 @@ void TestRuntimeLibraries::firstFileWins()
     }
     const QStringList loading = lines.filter(tag + QStringLiteral(" Loading:"));
     QCOMPARE(loading.size(), 1); // the second call does not look again
-    // The build's folder is absolute on Windows only; elsewhere it begins at the current folder.
-    const QString path = winner.contains(QLatin1String("C:/"))
-                             ? winner.mid(QStringLiteral("current/").size()) + QLatin1Char('/') + fileName
-                             : installation.path("") + winner + QLatin1Char('/') + fileName;
-    QCOMPARE(loading.first(), tag + QStringLiteral(" Loading: ") + path);
+    // The build's folder is looked for as it is named.
+    const QString folder = winner.contains(QLatin1String("C:/")) ? winner.mid(winner.indexOf(QLatin1String("C:/")))
+                                                                 : installation.path("") + winner;
+    QCOMPARE(loading.first(), tag + QStringLiteral(" Loading: ") + folder + QLatin1Char('/') + fileName);
     QCOMPARE(lines.value(1), tag + QStringLiteral(" DLL loaded OK"));
     QVERIFY(lines.contains(QStringLiteral("loaded: true")));
     QVERIFY(lines.contains(QStringLiteral("again: true")));
@@ -162,8 +187,7 @@ void TestRuntimeLibraries::opusOutcomes_data()
                                          << QStringLiteral("[Opus] DLL loaded OK");
     QTest::addRow("lacks opus_decode") << fakeLibrary(QStringLiteral("opus-without-decode")) << false
                                        << QStringLiteral("[Opus] Failed to resolve functions");
-    QTest::addRow("no library at all") << QStringLiteral("/etc/hostname") << false
-                                       << QStringLiteral("[Opus] Load failed: ");
+    QTest::addRow("no library at all") << noLibrary() << false << QStringLiteral("[Opus] Load failed: ");
 }
 
 void TestRuntimeLibraries::opusOutcomes()
@@ -194,8 +218,7 @@ void TestRuntimeLibraries::sodiumOutcomes_data()
         << fakeLibrary(QStringLiteral("sodium-refusing")) << false << QStringLiteral("[Sodium] Init failed");
     QTest::addRow("lacks crypto_secretbox_open_easy") << fakeLibrary(QStringLiteral("sodium-without-open")) << false
                                                       << QStringLiteral("[Sodium] Failed to resolve functions");
-    QTest::addRow("no library at all") << QStringLiteral("/etc/hostname") << false
-                                       << QStringLiteral("[Sodium] Load failed: ");
+    QTest::addRow("no library at all") << noLibrary() << false << QStringLiteral("[Sodium] Load failed: ");
 }
 
 void TestRuntimeLibraries::sodiumOutcomes()

@@ -109,6 +109,7 @@ void SerialManagerTest::opensWithEverythingReleased()
 
     QVERIFY(m_manager->isOpen());
     QVERIFY(m_serial->isOpen());
+    QCOMPARE(m_serial->baudRate(), kBaudRate);
     QVERIFY(!m_serial->rts());
     QVERIFY(!m_serial->dtr());
     QCOMPARE(ptt.size(), 1);

@@ -3,11 +3,10 @@
 #include <QByteArray>
 #include <QObject>
 #include <QString>
-#include <QTemporaryDir>
-#include <QTimer>
 #include <QVector>
 
 #include <chrono>
+#include <memory>
 
 class QProcessEnvironment;
 struct SimSerialState;
@@ -37,7 +36,7 @@ public:
     [[nodiscard]] QString portName() const { return m_name; }
     /// Lists the port in this process, which runs with the library preloaded, until it is pulled or destroyed. Once.
     void plugIn();
-    /// Lists the port, alone, in a child process.
+    /// Lists the port, alone, in a child process. Not on Windows.
     void addTo(QProcessEnvironment &environment) const;
     /// The adapter is gone for whoever has it open, and no longer listed.
     void pull();
@@ -55,21 +54,17 @@ public:
     /// How often the program has read the lines.
     [[nodiscard]] int reads() const;
     /// Data bytes that the program sent.
-    [[nodiscard]] QByteArray written() const { return m_written; }
+    [[nodiscard]] QByteArray written() const;
+    /// In bit/s, as the program set it.
+    [[nodiscard]] int baudRate() const;
 
     /// Waits while the event loop runs; false when RTS is not so in time.
     [[nodiscard]] bool waitForRts(bool high, std::chrono::milliseconds timeout = std::chrono::seconds(10)) const;
 
 private:
-    [[nodiscard]] QByteArray listEntry() const;
-    void openTerminal();
-    void createState(const QString &terminal);
-    void watch();
+    class Terminal; // the pseudo terminal, which is another system's on Windows
 
-    QTemporaryDir m_folder;
+    std::unique_ptr<Terminal> m_terminal;
     QString m_name;
-    int m_master = -1;
     SimSerialState *m_state = nullptr;
-    QByteArray m_written;
-    QTimer m_watch;
 };

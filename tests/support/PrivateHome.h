@@ -4,16 +4,20 @@
 
 #include <memory>
 
-/// Moves this process's user folders and, on Windows, the user's registry away from the real ones while it lives.
+/// While it lives, this process has an empty folder for its user's data and, on Windows, a registry of its own for the
+/// user's values. One at a time.
 class PrivateHome final
 {
 public:
-    explicit PrivateHome(const QString &folder);
+    PrivateHome();
     ~PrivateHome();
     PrivateHome(const PrivateHome &) = delete;
     PrivateHome &operator=(const PrivateHome &) = delete;
 
+    /// Under it are the folders of organisations and their programs.
+    [[nodiscard]] QString folder() const;
+
 private:
-    struct Earlier;
-    std::unique_ptr<Earlier> m_earlier;
+    struct Private;
+    std::unique_ptr<Private> m_private;
 };

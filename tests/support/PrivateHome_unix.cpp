@@ -1,22 +1,29 @@
 #include "support/PrivateHome.h"
 
 #include <QFile>
+#include <QTemporaryDir>
 
-struct PrivateHome::Earlier
+struct PrivateHome::Private
 {
+    QTemporaryDir folder;
     QByteArray dataHome = qgetenv("XDG_DATA_HOME");
     QByteArray configHome = qgetenv("XDG_CONFIG_HOME");
 };
 
-PrivateHome::PrivateHome(const QString &folder)
-    : m_earlier(std::make_unique<Earlier>())
+PrivateHome::PrivateHome()
+    : m_private(std::make_unique<Private>())
 {
-    qputenv("XDG_DATA_HOME", QFile::encodeName(folder));
-    qputenv("XDG_CONFIG_HOME", QFile::encodeName(folder));
+    for (const char *variable : {"XDG_DATA_HOME", "XDG_CONFIG_HOME"})
+        qputenv(variable, QFile::encodeName(folder()));
 }
 
 PrivateHome::~PrivateHome()
 {
-    qputenv("XDG_DATA_HOME", m_earlier->dataHome);
-    qputenv("XDG_CONFIG_HOME", m_earlier->configHome);
+    qputenv("XDG_DATA_HOME", m_private->dataHome);
+    qputenv("XDG_CONFIG_HOME", m_private->configHome);
+}
+
+QString PrivateHome::folder() const
+{
+    return m_private->folder.path();
 }

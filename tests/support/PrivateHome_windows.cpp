@@ -4,17 +4,11 @@
 #include <QDir>
 #include <QStandardPaths>
 
-#include <initguid.h>
-#include <knownfolders.h>
-#include <shlobj.h>
 #include <windows.h>
 
-struct PrivateHome::Earlier
-{
-    QString hive;
-};
-
 namespace {
+
+const QString kTestFolder = QStringLiteral("/qttest"); // Qt's own, beside everybody's data
 
 const wchar_t *wide(const QString &text)
 {
@@ -23,28 +17,47 @@ const wchar_t *wide(const QString &text)
 
 } // namespace
 
-/// This process alone sees a hive of its own as the user's, and in it the folder as that of the applications' data.
-PrivateHome::PrivateHome(const QString &folder)
-    : m_earlier(std::make_unique<Earlier>())
+struct PrivateHome::Private
 {
-    m_earlier->hive = QStringLiteral("Software\\e-VOX SINAR tests\\%1").arg(QCoreApplication::applicationPid());
+    HANDLE turn = nullptr;
+    QString folder;
+    QString hive;
+};
+
+/// The folder is the same for every process, so they take turns.
+PrivateHome::PrivateHome()
+    : m_private(std::make_unique<Private>())
+{
+    m_private->turn = CreateMutexW(nullptr, FALSE, L"e-VOX SINAR test home");
+    WaitForSingleObject(m_private->turn, INFINITE);
+    QStandardPaths::setTestModeEnabled(true);
+    const QString path = QStandardPaths::writableLocation(QStandardPaths::AppDataLocation);
+    const int end = path.indexOf(kTestFolder);
+    if (end < 0)
+        qFatal("%s is no folder for tests", qPrintable(path));
+    m_private->folder = path.left(end + kTestFolder.size());
+    QDir(m_private->folder).removeRecursively();
+
+    m_private->hive = QStringLiteral("Software\\e-VOX SINAR tests\\%1").arg(QCoreApplication::applicationPid());
     HKEY hive = nullptr;
-    if (RegCreateKeyExW(HKEY_CURRENT_USER, wide(m_earlier->hive), 0, nullptr, REG_OPTION_VOLATILE, KEY_ALL_ACCESS,
+    if (RegCreateKeyExW(HKEY_CURRENT_USER, wide(m_private->hive), 0, nullptr, REG_OPTION_NON_VOLATILE, KEY_ALL_ACCESS,
                         nullptr, &hive, nullptr) != ERROR_SUCCESS ||
         RegOverridePredefKey(HKEY_CURRENT_USER, hive) != ERROR_SUCCESS)
         qFatal("no registry of its own");
     RegCloseKey(hive);
-    const QString native = QDir::toNativeSeparators(folder);
-    for (const KNOWNFOLDERID &which : {FOLDERID_RoamingAppData, FOLDERID_LocalAppData})
-        SHSetKnownFolderPath(which, 0, nullptr, wide(native));
-    // A test must never write into the data of the person who runs it.
-    if (QStandardPaths::writableLocation(QStandardPaths::GenericConfigLocation) != folder ||
-        !QStandardPaths::writableLocation(QStandardPaths::AppDataLocation).startsWith(folder))
-        qFatal("the folder of the applications' data cannot be moved");
 }
 
 PrivateHome::~PrivateHome()
 {
     RegOverridePredefKey(HKEY_CURRENT_USER, nullptr);
-    RegDeleteTreeW(HKEY_CURRENT_USER, wide(m_earlier->hive));
+    RegDeleteTreeW(HKEY_CURRENT_USER, wide(m_private->hive));
+    QDir(m_private->folder).removeRecursively();
+    QStandardPaths::setTestModeEnabled(false);
+    ReleaseMutex(m_private->turn);
+    CloseHandle(m_private->turn);
+}
+
+QString PrivateHome::folder() const
+{
+    return m_private->folder;
 }

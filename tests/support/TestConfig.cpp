@@ -8,7 +8,6 @@
 #include <QJsonDocument>
 
 TestConfig::TestConfig(const QJsonObject &values)
-    : m_home(m_folder.path())
 {
     QCoreApplication::setApplicationName(Product::name());
     QCoreApplication::setOrganizationName(Product::organisation());

@@ -3,7 +3,7 @@
 #include "support/PrivateHome.h"
 
 #include <QJsonObject>
-#include <QTemporaryDir>
+#include <QString>
 
 /// Gives a test its own application data folder and an empty configuration; the earlier environment comes back at the
 /// end. One at a time.
@@ -15,13 +15,12 @@ public:
     TestConfig(const TestConfig &) = delete;
     TestConfig &operator=(const TestConfig &) = delete;
 
-    [[nodiscard]] QString folder() const { return m_folder.path(); }
+    [[nodiscard]] QString folder() const { return m_home.folder(); }
     /// What stands in the file now; empty when there is none.
     [[nodiscard]] QJsonObject saved() const;
     /// Replaces the file's bytes; the object in memory stays as it is.
     void writeFile(const QByteArray &bytes) const;
 
 private:
-    QTemporaryDir m_folder;
     PrivateHome m_home;
 };

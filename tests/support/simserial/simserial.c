@@ -21,7 +21,10 @@
 #include <unistd.h>
 
 enum { kMaxPorts = 16, kMaxName = 64, kMaxList = 4096, kMaxDescriptors = 1024 };
-static const uint32_t kOutputs = TIOCM_RTS | TIOCM_DTR;
+static const uint32_t kOutputs = SIMSERIAL_RTS | SIMSERIAL_DTR;
+_Static_assert(SIMSERIAL_DTR == TIOCM_DTR && SIMSERIAL_RTS == TIOCM_RTS && SIMSERIAL_CTS == TIOCM_CTS &&
+                   SIMSERIAL_DCD == TIOCM_CD && SIMSERIAL_DSR == TIOCM_DSR,
+               "the lines pass through as they are");
 
 struct Port
 {
@@ -173,7 +176,7 @@ int ioctl(int fd, unsigned long request, ...)
     if (request != TIOCMGET && request != TIOCMSET && request != TIOCMBIS && request != TIOCMBIC)
         return real(fd, request, argument);
     pthread_mutex_lock(&s_lock);
-    readList(); /* the descriptor may come from a process that has opened the port for this one */
+    readList(); /* another process may have opened it for this one */
     struct SimSerialState *state = stateOf(fd);
     if (state)
         modemRequest(state, request, argument);
@@ -199,13 +202,22 @@ static const char *redirected(const char *path, char *target)
     return path;
 }
 
+static int isRefused(const struct SimSerialState *state)
+{
+    return getenv(SIMSERIAL_EXCLUSIVE) && __atomic_load_n(&state->openCount, __ATOMIC_SEQ_CST) > 0;
+}
+
 static int opened(int fd)
 {
-    const int error = errno;
+    int error = errno;
     if (fd >= 0) {
         pthread_mutex_lock(&s_lock);
         struct SimSerialState *state = stateOf(fd);
-        if (state && fd < kMaxDescriptors) {
+        if (state && isRefused(state)) {
+            realClose(fd);
+            fd = -1;
+            error = EACCES;
+        } else if (state && fd < kMaxDescriptors) {
             s_isOpened[fd] = 1;
             __atomic_fetch_add(&state->openCount, 1, __ATOMIC_SEQ_CST);
             setOutputs(state, kOutputs, 0);
