@@ -57,7 +57,7 @@ void AppDriver::addTo(QProcessEnvironment &environment) const
 {
     environment.insert(QStringLiteral("QT_PLUGIN_PATH"), QStringLiteral(EVOX_DRIVER_PLUGINS));
     environment.insert(QStringLiteral("QT_QPA_GENERIC_PLUGINS"), QString::fromLatin1(DriverWords::kPlugin));
-    environment.insert(QString::fromLatin1(DriverWords::kSocketVariable), m_line.socketPath());
+    environment.insert(QString::fromLatin1(DriverWords::kPortVariable), QString::number(m_line.port()));
 }
 
 bool AppDriver::waitForProgram(int number, std::chrono::milliseconds timeout)

@@ -66,6 +66,18 @@ QByteArray ChildProcess::outputOf(const QString &program, const QStringList &arg
     return output.isNull() ? QByteArray("") : output;
 }
 
+void ChildProcess::setLogFile(const QString &path)
+{
+    m_logFile.close(); // of an earlier program
+    m_logFile.setFileName(path);
+}
+
+void ChildProcess::setProgramsLogFile(const QString &path)
+{
+    setLogFile(path);
+    m_isProgramsLog = true;
+}
+
 bool ChildProcess::begin(const QString &program, const QStringList &arguments)
 {
     m_rest.clear();
@@ -75,7 +87,7 @@ bool ChildProcess::begin(const QString &program, const QStringList &arguments)
     environment.insert(QString::fromLatin1(Strays::kVariable), m_mark);
     setProcessEnvironment(environment);
     if (!m_logFile.fileName().isEmpty()) {
-        setStandardErrorFile(m_logFile.fileName());
+        setStandardErrorFile(m_isProgramsLog ? nullDevice() : m_logFile.fileName());
         m_followLog.start(kLogPoll);
     }
     start(program, arguments);
@@ -126,8 +138,9 @@ void ChildProcess::readLog()
         m_rest += m_logFile.readAll();
     int begin = 0;
     for (int end = m_rest.indexOf('\n'); end >= 0; end = m_rest.indexOf('\n', begin)) {
+        const QString line = QString::fromUtf8(m_rest.mid(begin, end - begin));
         if (m_log.size() < kMaxLogLines)
-            m_log.append(QString::fromUtf8(m_rest.mid(begin, end - begin)));
+            m_log.append(m_isProgramsLog ? line.section(QLatin1Char(' '), 2) : line);
         begin = end + 1;
     }
     m_rest.remove(0, begin);

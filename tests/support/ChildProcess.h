@@ -27,7 +27,9 @@ public:
 
     /// Before begin(): standard error goes through this file, so that a program that starts itself anew and ends can
     /// leave it to its successor, whose lines follow.
-    void setLogFile(const QString &path) { m_logFile.setFileName(path); }
+    void setLogFile(const QString &path);
+    /// Likewise, where the program itself keeps this file, each line after its time and its level.
+    void setProgramsLogFile(const QString &path);
     /// False, with a warning that says why, when the program cannot be started.
     [[nodiscard]] bool begin(const QString &program, const QStringList &arguments = {});
     [[nodiscard]] bool isRunning() const { return state() != NotRunning; }
@@ -59,6 +61,7 @@ private:
 
     QString m_mark; ///< in the environment of everything that comes of this process
     QFile m_logFile;
+    bool m_isProgramsLog = false;
     QTimer m_followLog;
     QByteArray m_rest;
     QStringList m_log;

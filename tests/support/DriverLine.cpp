@@ -5,7 +5,7 @@
 
 #include <QJsonArray>
 #include <QJsonDocument>
-#include <QLocalSocket>
+#include <QTcpSocket>
 
 namespace {
 
@@ -19,21 +19,21 @@ QJsonObject error(const QString &text)
 DriverLine::DriverLine(QObject *parent)
     : QObject(parent)
 {
-    connect(&m_server, &QLocalServer::newConnection, this, &DriverLine::onNewConnection);
-    if (!m_server.listen(m_folder.filePath(QStringLiteral("driver"))))
+    connect(&m_server, &QTcpServer::newConnection, this, &DriverLine::onNewConnection);
+    if (!m_server.listen(QHostAddress::LocalHost))
         qWarning().noquote() << "cannot listen for the program:" << m_server.errorString();
 }
 
 void DriverLine::onNewConnection()
 {
-    while (QLocalSocket *socket = m_server.nextPendingConnection()) {
-        connect(socket, &QLocalSocket::readyRead, this, [this, socket] { onReadyRead(socket); });
-        connect(socket, &QLocalSocket::disconnected, socket, &QObject::deleteLater);
+    while (QTcpSocket *socket = m_server.nextPendingConnection()) {
+        connect(socket, &QTcpSocket::readyRead, this, [this, socket] { onReadyRead(socket); });
+        connect(socket, &QTcpSocket::disconnected, socket, &QObject::deleteLater);
         onReadyRead(socket);
     }
 }
 
-void DriverLine::onReadyRead(QLocalSocket *socket)
+void DriverLine::onReadyRead(QTcpSocket *socket)
 {
     while (socket->canReadLine()) {
         const QJsonObject message = QJsonDocument::fromJson(socket->readLine()).object();
@@ -46,7 +46,7 @@ void DriverLine::onReadyRead(QLocalSocket *socket)
         socket->abort();
 }
 
-void DriverLine::introduce(QLocalSocket *socket, const QJsonObject &hello)
+void DriverLine::introduce(QTcpSocket *socket, const QJsonObject &hello)
 {
     m_program = socket;
     m_pid = static_cast<qint64>(hello.value(QLatin1String("pid")).toDouble());
@@ -59,8 +59,8 @@ void DriverLine::introduce(QLocalSocket *socket, const QJsonObject &hello)
 
 QJsonObject DriverLine::ask(QJsonObject request, std::chrono::milliseconds timeout)
 {
-    const QPointer<QLocalSocket> program = m_program;
-    const auto isGone = [&program] { return !program || program->state() != QLocalSocket::ConnectedState; };
+    const QPointer<QTcpSocket> program = m_program;
+    const auto isGone = [&program] { return !program || program->state() != QTcpSocket::ConnectedState; };
     if (isGone())
         return error(QStringLiteral("no program is there"));
     const int id = ++m_lastId;

@@ -1,15 +1,14 @@
 #pragma once
 
 #include <QJsonObject>
-#include <QLocalServer>
 #include <QObject>
 #include <QPointer>
 #include <QStringList>
-#include <QTemporaryDir>
+#include <QTcpServer>
 
 #include <chrono>
 
-class QLocalSocket;
+class QTcpSocket;
 
 /// The test's end of the line to a driven program. A program that starts itself anew connects anew, and from then on
 /// it is the one that is asked.
@@ -18,10 +17,10 @@ class DriverLine final : public QObject
     Q_OBJECT
 
 public:
-    /// Listens at once, on a socket of its own.
+    /// Listens at once, on a port of this machine that nobody else has.
     explicit DriverLine(QObject *parent = nullptr);
 
-    [[nodiscard]] QString socketPath() const { return m_server.fullServerName(); }
+    [[nodiscard]] quint16 port() const { return m_server.serverPort(); }
     /// Programs that have introduced themselves so far.
     [[nodiscard]] int programs() const { return m_programs; }
     /// Of the latest program; 0 and empty before the first.
@@ -34,12 +33,11 @@ public:
 
 private:
     void onNewConnection();
-    void onReadyRead(QLocalSocket *socket);
-    void introduce(QLocalSocket *socket, const QJsonObject &hello);
+    void onReadyRead(QTcpSocket *socket);
+    void introduce(QTcpSocket *socket, const QJsonObject &hello);
 
-    QTemporaryDir m_folder;
-    QLocalServer m_server;
-    QPointer<QLocalSocket> m_program;
+    QTcpServer m_server;
+    QPointer<QTcpSocket> m_program;
     QJsonObject m_answer;
     QStringList m_arguments;
     qint64 m_pid = 0;

@@ -27,6 +27,11 @@ void store(uint32_t &field, uint32_t value)
 
 } // namespace
 
+QString FakeSerial::terminal() const
+{
+    return QString::fromLatin1(m_state->terminal);
+}
+
 void FakeSerial::set(Line line, bool high)
 {
     if (high)

@@ -34,6 +34,8 @@ public:
     ~FakeSerial() override;
 
     [[nodiscard]] QString portName() const { return m_name; }
+    /// The path of the pseudo terminal, for a program that does not know the port by its name.
+    [[nodiscard]] QString terminal() const;
     /// Lists the port in this process, which runs with the library preloaded, until it is pulled or destroyed. Once.
     void plugIn();
     /// Lists the port, alone, in a child process. Not on Windows.

@@ -44,7 +44,7 @@ QJsonObject Station::configuredAccount() const
 bool Station::writeConfiguration() const
 {
     QJsonObject values = configuredAccount();
-    values.insert(QStringLiteral("serial_port"), m_radio.portName());
+    values.insert(QStringLiteral("serial_port"), serialPort());
     values.insert(QStringLiteral("speaker_gain"), 100);
     for (auto it = m_settings.more.begin(); it != m_settings.more.end(); ++it)
         values.insert(it.key(), it.value());
@@ -81,13 +81,16 @@ QProcessEnvironment Station::environment() const
 
 bool Station::start()
 {
-    if (!writeConfiguration() || !m_sound.start())
-        return false;
-    m_program.setProcessEnvironment(environment());
-    m_program.setStandardOutputFile(QProcess::nullDevice());
+    return writeConfiguration() && m_sound.start() && startProgram(m_program);
+}
+
+bool Station::startProgram(ChildProcess &program) const
+{
+    program.setProcessEnvironment(environment());
+    program.setStandardOutputFile(QProcess::nullDevice());
     if (m_driver)
-        m_program.setLogFile(m_home.filePath(QStringLiteral("program.log")));
-    return m_program.begin(QCoreApplication::applicationDirPath() + QLatin1String("/evox-sinar"));
+        program.setLogFile(m_home.filePath(QStringLiteral("program.log")));
+    return program.begin(QCoreApplication::applicationDirPath() + QLatin1String("/evox-sinar"));
 }
 
 bool Station::waitForRoom(int times, std::chrono::milliseconds timeout) const

@@ -13,7 +13,7 @@ class AppDriver;
 
 /// One gateway: the real program with a configuration, a sound card and a radio of its own. A carrier is CTS, the
 /// transmitter is keyed by RTS.
-class Station final
+class Station
 {
 public:
     struct Settings
@@ -30,6 +30,7 @@ public:
 
     /// Without a display the windows are drawn into memory.
     explicit Station(const Settings &settings, const Display *display = nullptr);
+    virtual ~Station() = default;
     Station(const Station &) = delete;
     Station &operator=(const Station &) = delete;
 
@@ -38,6 +39,8 @@ public:
     void setDriver(const AppDriver &driver) { m_driver = &driver; }
     /// Starts the sound server and the program; false, after printing why, when either does not start.
     [[nodiscard]] bool start();
+    /// The program once more, when it has ended, with what it has stored.
+    [[nodiscard]] bool startAgain() { return startProgram(m_program); }
     /// Waits until the program has a room key and its audio link is up, for the n-th time.
     [[nodiscard]] bool waitForRoom(int times = 1, std::chrono::milliseconds timeout = std::chrono::seconds(30)) const;
 
@@ -56,9 +59,18 @@ public:
     [[nodiscard]] bool type(const QStringList &keys) const;
     [[nodiscard]] bool screenshot(const QString &path) const;
 
+protected:
+    // Where and how the program runs.
+    [[nodiscard]] virtual bool startProgram(ChildProcess &program) const;
+    [[nodiscard]] virtual QString configurationFolder() const;
+    [[nodiscard]] virtual QString serialPort() const { return m_radio.portName(); }
+
+    [[nodiscard]] const Display *display() const { return m_display; }
+    [[nodiscard]] const AppDriver *driver() const { return m_driver; }
+    [[nodiscard]] const RadioBench &bench() const { return m_sound; }
+
 private:
     [[nodiscard]] QString window() const;
-    [[nodiscard]] QString configurationFolder() const;
     [[nodiscard]] QJsonObject configuredAccount() const;
     [[nodiscard]] bool writeConfiguration() const;
     [[nodiscard]] QProcessEnvironment environment() const;

@@ -12,9 +12,9 @@ class DriverPlugin final : public QGenericPlugin
 public:
     QObject *create(const QString &name, const QString &) override
     {
-        const QString socket = qEnvironmentVariable(DriverWords::kSocketVariable);
+        const int port = qEnvironmentVariableIntValue(DriverWords::kPortVariable);
         const bool isWanted = name.compare(QLatin1String(DriverWords::kPlugin), Qt::CaseInsensitive) == 0;
-        return isWanted && !socket.isEmpty() ? new DriverSession(socket) : nullptr;
+        return isWanted && port > 0 ? new DriverSession(static_cast<quint16>(port)) : nullptr;
     }
 };
 

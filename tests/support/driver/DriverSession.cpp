@@ -5,6 +5,7 @@
 
 #include <QApplication>
 #include <QHash>
+#include <QHostAddress>
 #include <QJsonDocument>
 #include <QWidget>
 
@@ -31,14 +32,15 @@ QString missing(const QJsonObject &request)
 
 } // namespace
 
-DriverSession::DriverSession(const QString &socketPath, QObject *parent)
+DriverSession::DriverSession(quint16 port, QObject *parent)
     : QObject(parent)
-    , m_path(socketPath)
+    , m_port(port)
 {
-    connect(&m_socket, &QLocalSocket::readyRead, this, &DriverSession::onReadyRead);
+    connect(&m_socket, &QTcpSocket::connected, this, &DriverSession::introduce);
+    connect(&m_socket, &QTcpSocket::readyRead, this, &DriverSession::onReadyRead);
     const auto end = [] { std::_Exit(EXIT_FAILURE); };
-    connect(&m_socket, &QLocalSocket::disconnected, this, end);
-    connect(&m_socket, &QLocalSocket::errorOccurred, this, end);
+    connect(&m_socket, &QTcpSocket::disconnected, this, end);
+    connect(&m_socket, &QTcpSocket::errorOccurred, this, end);
     // The application object is not complete yet.
     QMetaObject::invokeMethod(this, &DriverSession::open, Qt::QueuedConnection);
 }
@@ -50,7 +52,13 @@ DriverSession::~DriverSession()
 
 void DriverSession::open()
 {
-    m_socket.connectToServer(m_path);
+    m_socket.connectToHost(QHostAddress::LocalHost, m_port);
+}
+
+void DriverSession::introduce()
+{
+    // Lines are small, and each is waited for.
+    m_socket.setSocketOption(QAbstractSocket::LowDelayOption, 1);
     send({{QStringLiteral("pid"), static_cast<double>(QCoreApplication::applicationPid())},
           {QStringLiteral("arguments"), QJsonArray::fromStringList(QCoreApplication::arguments())}});
 }

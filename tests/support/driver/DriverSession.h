@@ -3,8 +3,8 @@
 #include "support/driver/UserActions.h"
 
 #include <QJsonObject>
-#include <QLocalSocket>
 #include <QObject>
+#include <QTcpSocket>
 
 /// The program's end of the line to the test that drives it. Lives in the GUI thread and works in nested event loops
 /// too. When the test is gone, so is the program.
@@ -13,7 +13,7 @@ class DriverSession final : public QObject
     Q_OBJECT
 
 public:
-    explicit DriverSession(const QString &socketPath, QObject *parent = nullptr);
+    explicit DriverSession(quint16 port, QObject *parent = nullptr);
     ~DriverSession() override;
 
 private:
@@ -27,6 +27,7 @@ private:
     using Handler = Reply (*)(const QJsonObject &);
 
     void open();
+    void introduce();
     void onReadyRead();
     void answer(const QByteArray &line);
     void send(const QJsonObject &message);
@@ -45,6 +46,6 @@ private:
     [[nodiscard]] static Reply onKey(const QJsonObject &request);
     [[nodiscard]] static Reply onScreenshot(const QJsonObject &request);
 
-    QString m_path;
-    QLocalSocket m_socket;
+    quint16 m_port;
+    QTcpSocket m_socket;
 };

@@ -6,8 +6,9 @@
 /// click that opens a dialog is answered too.
 namespace DriverWords {
 
-/// Environment variable: the local socket on which the test listens.
-constexpr char kSocketVariable[] = "EVOX_DRIVER_SOCKET";
+/// Environment variable: the port of this machine on which the test listens. A port, since it is the same for a program
+/// of another system that runs here.
+constexpr char kPortVariable[] = "EVOX_DRIVER_PORT";
 /// The name under which Qt finds the plugin.
 constexpr char kPlugin[] = "evoxdriver";
 /// Longest line in bytes; a longer one ends the connection.

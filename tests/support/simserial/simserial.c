@@ -20,7 +20,7 @@
 #include <time.h>
 #include <unistd.h>
 
-enum { kMaxPorts = 16, kMaxName = 64, kMaxList = 4096 };
+enum { kMaxPorts = 16, kMaxName = 64, kMaxList = 4096, kMaxDescriptors = 1024 };
 static const uint32_t kOutputs = SIMSERIAL_RTS | SIMSERIAL_DTR;
 _Static_assert(SIMSERIAL_DTR == TIOCM_DTR && SIMSERIAL_RTS == TIOCM_RTS && SIMSERIAL_CTS == TIOCM_CTS &&
                    SIMSERIAL_DCD == TIOCM_CD && SIMSERIAL_DSR == TIOCM_DSR,
@@ -36,6 +36,8 @@ static pthread_mutex_t s_lock = PTHREAD_MUTEX_INITIALIZER;
 static struct Port s_ports[kMaxPorts];
 static int s_portCount = 0;
 static char s_list[kMaxList];
+/* Ports that this process has opened itself: a descriptor that was handed to it is closed without an effect. */
+static unsigned char s_isOpened[kMaxDescriptors];
 
 /* Declares `real` as the next definition of `name`. */
 #define REAL(result, name, ...)                                                                                        \
@@ -215,7 +217,8 @@ static int opened(int fd)
             realClose(fd);
             fd = -1;
             error = EACCES;
-        } else if (state) {
+        } else if (state && fd < kMaxDescriptors) {
+            s_isOpened[fd] = 1;
             __atomic_fetch_add(&state->openCount, 1, __ATOMIC_SEQ_CST);
             setOutputs(state, kOutputs, 0);
         }
@@ -244,9 +247,10 @@ DEFINE_OPEN(open64)
 
 int close(int fd)
 {
-    if (s_portCount > 0) {
+    if (fd >= 0 && fd < kMaxDescriptors && s_isOpened[fd]) {
         const int error = errno;
         pthread_mutex_lock(&s_lock);
+        s_isOpened[fd] = 0;
         struct SimSerialState *state = stateOf(fd);
         if (state && __atomic_load_n(&state->openCount, __ATOMIC_SEQ_CST) > 0 &&
             __atomic_sub_fetch(&state->openCount, 1, __ATOMIC_SEQ_CST) == 0)
