@@ -26,8 +26,10 @@
 #include <QScrollArea>
 #include <QSplitter>
 #include <QStatusBar>
+#include <QStyle>
 #include <QUrl>
 
+#include <algorithm>
 #include <chrono>
 
 namespace {
@@ -110,7 +112,10 @@ void MainWindow::createPanels()
     column->setWidgetResizable(true);
     column->setFrameShape(QFrame::NoFrame);
     column->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
-    const int columnWidth = fontMetrics().averageCharWidth() * kColumnCharacters;
+    const int needed = m_controlPanel->minimumSizeHint().expandedTo(m_controlPanel->minimumSize()).width() +
+                       style()->pixelMetric(QStyle::PM_ScrollBarExtent);
+    // Not the characters alone: those of a narrow font leave less than the panel can do with.
+    const int columnWidth = std::max(fontMetrics().averageCharWidth() * kColumnCharacters, needed);
     column->setMinimumWidth(columnWidth);
     auto *splitter = new QSplitter(Qt::Horizontal, this);
     splitter->addWidget(m_roomPanel);

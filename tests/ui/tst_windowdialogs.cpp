@@ -9,12 +9,14 @@
 #include "ui/Theme.h"
 #include "ui/settings/SerialConfigDialog.h"
 #include "ui/settings/SettingsDialog.h"
+#include "ui/status/ControlPanel.h"
 
 #include <QApplication>
 #include <QDesktopServices>
 #include <QFileInfo>
 #include <QLabel>
 #include <QPushButton>
+#include <QScopeGuard>
 #include <QSlider>
 #include <QUrl>
 
@@ -63,6 +65,8 @@ class WindowDialogsTest final : public QObject
     Q_OBJECT
 
 private slots:
+    void statusColumnIsWhole_data();
+    void statusColumnIsWhole();
     void settingsOpen_data();
     void settingsOpen();
     void settingsApplyAtOnce();
@@ -85,6 +89,30 @@ private:
         return rig.window().findChild<Dialog *>();
     }
 };
+
+void WindowDialogsTest::statusColumnIsWhole_data()
+{
+    QTest::addColumn<int>("pixels");
+    QTest::newRow("narrow font") << 6;
+    QTest::newRow("wide font") << 20;
+}
+
+void WindowDialogsTest::statusColumnIsWhole()
+{
+    QFETCH(int, pixels);
+    const QFont usual = QApplication::font();
+    const auto restore = qScopeGuard([&usual] { QApplication::setFont(usual); });
+    QFont font = usual;
+    font.setPixelSize(pixels);
+    QApplication::setFont(font);
+    WindowRig rig(offline());
+    rig.open();
+    rig.window().show();
+    const auto *panel = rig.service<ControlPanel>();
+    QVERIFY(panel && QTest::qWaitForWindowExposed(&rig.window()));
+    QVERIFY2(panel->width() <= panel->parentWidget()->width(),
+             qPrintable(QStringLiteral("%1 of %2").arg(panel->parentWidget()->width()).arg(panel->width())));
+}
 
 void WindowDialogsTest::settingsOpen_data()
 {
