@@ -106,28 +106,27 @@ bool AccountStore::migrate(QString *error)
 {
     QSqlQuery query(m_database);
     query.exec(QStringLiteral("PRAGMA journal_mode = WAL"));
-    if (!query.exec(QStringLiteral("PRAGMA user_version")) || !query.next()) {
-        *error = query.lastError().text();
-        return false;
-    }
+    // Locked before the version is read: a command may make the same new file while the server does.
+    bool isGood = query.exec(QStringLiteral("BEGIN IMMEDIATE")) && query.exec(QStringLiteral("PRAGMA user_version")) &&
+                  query.next();
     const int version = query.value(0).toInt();
     query.finish();
-    if (version > migrations().size()) {
+    if (isGood && version > migrations().size()) {
         *error = QStringLiteral("the database was made by a newer version of this server");
+        query.exec(QStringLiteral("ROLLBACK"));
         return false;
     }
-    m_database.transaction();
-    for (int step = version; step < migrations().size(); ++step) {
-        for (const QString &sql : migrations().at(step)) {
-            if (!query.exec(sql)) {
-                *error = query.lastError().text();
-                m_database.rollback();
-                return false;
-            }
-        }
+    for (int step = version; isGood && step < migrations().size(); ++step) {
+        for (const QString &sql : migrations().at(step))
+            isGood = isGood && query.exec(sql);
     }
-    query.exec(QStringLiteral("PRAGMA user_version = %1").arg(migrations().size()));
-    return m_database.commit();
+    isGood = isGood && query.exec(QStringLiteral("PRAGMA user_version = %1").arg(migrations().size())) &&
+             query.exec(QStringLiteral("COMMIT"));
+    if (isGood)
+        return true;
+    *error = query.lastError().text();
+    query.exec(QStringLiteral("ROLLBACK"));
+    return false;
 }
 
 QSqlQuery AccountStore::prepared(const QString &sql) const

@@ -7,12 +7,16 @@
 #include <QSqlQuery>
 #include <QTemporaryDir>
 
+#include <future>
+#include <vector>
+
 class AccountStoreTest final : public QObject
 {
     Q_OBJECT
 
 private slots:
     void keepsAccounts();
+    void makesAFileOnce();
     void bringsAnOlderFileUpToDate();
     void keepsRoomsInOrder();
     void keepsSettings();
@@ -64,6 +68,26 @@ void AccountStoreTest::keepsAccounts()
     QVERIFY(store.remove(account.id));
     QVERIFY(!store.remove(account.id));
     QVERIFY(store.accounts().isEmpty());
+}
+
+void AccountStoreTest::makesAFileOnce()
+{
+    constexpr int kFiles = 20;
+    constexpr int kOpeners = 4;
+    const QTemporaryDir folder;
+    for (int file = 0; file < kFiles; ++file) {
+        const QString path = folder.filePath(QString::number(file));
+        std::vector<std::future<QString>> openers;
+        for (int i = 0; i < kOpeners; ++i) {
+            openers.push_back(std::async(std::launch::async, [path] {
+                AccountStore store;
+                QString error;
+                return store.open(path, &error) ? QString() : error;
+            }));
+        }
+        for (auto &opener : openers)
+            QCOMPARE(opener.get(), QString());
+    }
 }
 
 void AccountStoreTest::bringsAnOlderFileUpToDate()
