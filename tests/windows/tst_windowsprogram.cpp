@@ -4,6 +4,7 @@
 #include "support/CompanionServer.h"
 #include "support/TestMain.h"
 #include "support/Wait.h"
+#include "windows/SetupUser.h"
 #include "windows/WineStation.h"
 
 #include <QCryptographicHash>
@@ -15,7 +16,6 @@
 
 #include <algorithm>
 #include <memory>
-#include <utility>
 
 namespace {
 
@@ -27,6 +27,7 @@ const QString kAdmin = QStringLiteral("YB0ADM");
 const QString kUninstallKey = QStringLiteral("\\Software\\Microsoft\\Windows\\CurrentVersion\\Uninstall\\e-VOX SINAR");
 const QString kRunKey = QStringLiteral("HKCU\\Software\\Microsoft\\Windows\\CurrentVersion\\Run");
 const QString kStartMenu = QStringLiteral("\\Microsoft\\Windows\\Start Menu\\Programs\\e-VOX SINAR.lnk");
+constexpr int kOvers = 3;
 constexpr int kWindowsTooOld = 3; // what the setup ends with
 constexpr std::chrono::seconds kSlowStart{60};
 
@@ -34,6 +35,12 @@ constexpr std::chrono::seconds kSlowStart{60};
 QString given(const char *name)
 {
     return qEnvironmentVariable(name);
+}
+
+/// In the words of Windows.
+QString setupPath()
+{
+    return WinePrefix::toWindows(QFileInfo(given("EVOX_WINDOWS_SETUP")).absoluteFilePath());
 }
 
 QStringList filesIn(const QString &folder)
@@ -82,6 +89,8 @@ private slots:
     void opensTheFirewall();
     void isRemovedWithoutItsSettings();
     void runsFromTheZip();
+    void isInstalledAndRemovedByHand_data();
+    void isInstalledAndRemovedByHand();
 
 private:
     [[nodiscard]] WinePrefix &windows() { return m_windows->windows(); }
@@ -143,8 +152,10 @@ void WindowsProgramTest::init()
 
 void WindowsProgramTest::cleanup()
 {
-    if (!QTest::currentTestFailed() || std::exchange(m_hasFailed, true))
+    if (!QTest::currentTestFailed() || m_hasFailed)
         return;
+    // No other step builds on what was heard.
+    m_hasFailed = qstrcmp(QTest::currentTestFunction(), "relaysBothWays") != 0;
     (void)picture(QStringLiteral("failed-") + QString::fromLatin1(QTest::currentTestFunction()));
     m_windows->program().printLog();
 }
@@ -165,8 +176,7 @@ bool WindowsProgramTest::picture(const QString &name)
 
 int WindowsProgramTest::setup(const QStringList &options)
 {
-    const QString program = WinePrefix::toWindows(QFileInfo(given("EVOX_WINDOWS_SETUP")).absoluteFilePath());
-    return windows().run(QStringList{program, QStringLiteral("/S")} + options).exitCode;
+    return windows().run(QStringList{setupPath(), QStringLiteral("/S")} + options).exitCode;
 }
 
 /// As "Apps and features" does it without asking.
@@ -365,13 +375,17 @@ void WindowsProgramTest::relaysBothWays()
     QFETCH(bool, fromWindows);
     Station &from = fromWindows ? *m_windows : *m_linux;
     Station &to = fromWindows ? *m_linux : *m_windows;
-    const Over over = relayOver(from, to, m_server->line(), m_speech);
-    qInfo().noquote() << QJsonDocument(over.toJson()).toJson(QJsonDocument::Compact);
-    QVERIFY(over.keyed);
-    QVERIFY(over.released);
+    Over over;
+    // Sound is real time, also for a computer with much else to do: an over may be torn, but not every one.
+    for (int attempt = 0; attempt < kOvers && !over.wasHeard(); ++attempt) {
+        over = relayOver(from, to, m_server->line(), m_speech);
+        qInfo().noquote() << QJsonDocument(over.toJson()).toJson(QJsonDocument::Compact);
+        QVERIFY(over.keyed);
+        QVERIFY(over.released);
+        QVERIFY(over.deciphered > 0);
+        QCOMPARE(over.deciphered, over.received);
+    }
     QVERIFY2(over.wasHeard(), qPrintable(QStringLiteral("similarity %1").arg(over.similarity)));
-    QVERIFY(over.deciphered > 0);
-    QCOMPARE(over.deciphered, over.received);
     QVERIFY(!from.radio().rts()); // the sender's own transmitter stays silent
 }
 
@@ -401,9 +415,8 @@ void WindowsProgramTest::startsWithWindows()
 void WindowsProgramTest::isReplacedWhileItRuns()
 {
     const QByteArray before = settings();
-    const QString left = windows().toUnix(installFolder() + QStringLiteral("\\evox-sinar.exe"));
-    QVERIFY(QFile::exists(left));
-    QVERIFY(m_windows->program().isAnythingRunning());
+    QVERIFY(m_driver->key(QStringLiteral("Ctrl+,"))); // the window cannot close before this one has
+    QVERIFY(m_driver->waitForWindow(QStringLiteral("Settings")));
     QCOMPARE(setup({QStringLiteral("/CURRENTUSER")}), 0);
     QVERIFY(hasEnded());
     QVERIFY(isInstalled(installFolder()));
@@ -482,6 +495,30 @@ void WindowsProgramTest::runsFromTheZip()
     QVERIFY(m_windows->startAgain());
     QVERIFY(m_windows->waitForRoom(1, kSlowStart)); // with the settings that were left
     QVERIFY(closeProgram());
+}
+
+void WindowsProgramTest::isInstalledAndRemovedByHand_data()
+{
+    QTest::addColumn<bool>("deletesSettings");
+    QTest::newRow("settings kept") << false;
+    QTest::newRow("settings deleted") << true;
+}
+
+void WindowsProgramTest::isInstalledAndRemovedByHand()
+{
+    QFETCH(bool, deletesSettings);
+    SetupUser user(windows(), QDir(given("EVOX_WINDOWS_BUILD")).absoluteFilePath(QStringLiteral("bin/evox-press.exe")));
+    user.onShown([this](const QString &page) { return picture(page); });
+    const QString menu = windows().toUnix(windows().userFolder() + QStringLiteral("\\AppData\\Roaming") + kStartMenu);
+    QVERIFY(!settings().isEmpty());
+    QVERIFY(user.install(setupPath()));
+    const QString folder = installFolder();
+    QVERIFY(isInstalled(folder));
+    QVERIFY(QFile::exists(menu));
+    QVERIFY(user.uninstall(folder + QStringLiteral("\\uninstall.exe"), deletesSettings));
+    QVERIFY(!QFile::exists(windows().toUnix(folder)));
+    QVERIFY(!QFile::exists(menu));
+    QCOMPARE(settings().isEmpty(), deletesSettings);
 }
 
 EVOX_TEST_MAIN(WindowsProgramTest, QCoreApplication)
