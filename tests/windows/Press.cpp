@@ -30,6 +30,7 @@ std::string textOf(HWND window)
     GetWindowTextA(window, text.data(), static_cast<int>(text.size()));
     std::string plain(text.data());
     plain.erase(std::remove(plain.begin(), plain.end(), '&'), plain.end());
+    plain.erase(plain.find_last_not_of(' ') + 1); // captions end with one
     return plain;
 }
 

@@ -16,7 +16,6 @@
 
 #include <algorithm>
 #include <memory>
-#include <utility>
 
 namespace {
 
@@ -153,8 +152,10 @@ void WindowsProgramTest::init()
 
 void WindowsProgramTest::cleanup()
 {
-    if (!QTest::currentTestFailed() || std::exchange(m_hasFailed, true))
+    if (!QTest::currentTestFailed() || m_hasFailed)
         return;
+    // No other step builds on what was heard.
+    m_hasFailed = qstrcmp(QTest::currentTestFunction(), "relaysBothWays") != 0;
     (void)picture(QStringLiteral("failed-") + QString::fromLatin1(QTest::currentTestFunction()));
     m_windows->program().printLog();
 }
