@@ -7,9 +7,16 @@ function(evox_warnings target)
     target_compile_options(${target} PRIVATE
         $<$<CXX_COMPILER_ID:GNU,Clang>:-Wall;-Wextra;-Wpedantic;-Wshadow;-Wconversion>
         $<$<AND:$<COMPILE_LANGUAGE:CXX>,$<CXX_COMPILER_ID:GNU,Clang>>:-Wold-style-cast;-Woverloaded-virtual>
-        $<$<CXX_COMPILER_ID:MSVC>:/W4;/utf-8;/permissive->)
+        $<$<CXX_COMPILER_ID:MSVC>:/W4;/utf-8;/permissive-;/Zc:__cplusplus;/external:anglebrackets;/external:W0>)
+    if(MSVC)
+        target_compile_definitions(${target} PRIVATE UNICODE _UNICODE NOMINMAX WIN32_LEAN_AND_MEAN)
+    endif()
     if(EVOX_WERROR)
         target_compile_options(${target} PRIVATE
             $<$<CXX_COMPILER_ID:GNU,Clang>:-Werror> $<$<CXX_COMPILER_ID:MSVC>:/WX>)
+    endif()
+    get_target_property(sources ${target} SOURCES)
+    if(TARGET evox_precompiled AND sources MATCHES "[.]cpp" AND NOT target STREQUAL evox_precompiled)
+        target_precompile_headers(${target} REUSE_FROM evox_precompiled)
     endif()
 endfunction()

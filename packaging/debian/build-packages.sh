@@ -9,11 +9,15 @@ build_packages=(
     clang-format cmark-gfm python3
 )
 
+is_installed() {
+    [ "$(dpkg-query -W -f '${db:Status-Status}' "$1" 2>/dev/null)" = installed ]
+}
+
 # Installs what is missing, with sudo where this is not root. Fails with the list where neither is possible.
 install_missing() {
     local package missing=()
     for package in "${build_packages[@]}"; do
-        [ "$(dpkg-query -W -f '${db:Status-Status}' "$package" 2>/dev/null)" = installed ] || missing+=("$package")
+        is_installed "$package" || missing+=("$package")
     done
     [ ${#missing[@]} -gt 0 ] || return 0
     echo "Installing: ${missing[*]}"

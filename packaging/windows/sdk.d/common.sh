@@ -12,7 +12,7 @@ sdk_jobs=${EVOX_JOBS:-$(nproc)}
 
 # The parts in the order in which they are built, and a file that shows that a part is there.
 sdk_modules=(
-    qtbase:bin/Qt5Widgets.dll
+    qtbase:bin/qt.conf
     runtime:bin/libstdc++-6.dll
     qtmultimedia:plugins/audio/qtaudio_windows.dll
     qtsvg:plugins/iconengines/qsvgicon.dll
