@@ -3,8 +3,8 @@
 ;
 ;   evox-sinar-VERSION-setup.exe [/S] [/CURRENTUSER | /ALLUSERS] [/DESKTOPICON] [/D=FOLDER]
 ;
-; Ends with 0 when the program is installed; 1 given up by the user, 2 a file could not be written, 3 Windows is too old,
-; 4 the program still runs, 5 an older version could not be removed, 6 not an administrator.
+; Ends with 0 when the program is installed; 1 given up by the user, 2 a file could not be written, 3 Windows is too
+; old, 4 the program still runs, 5 an older version could not be removed, 6 not an administrator.
 
 Target amd64-unicode
 SetCompressor /SOLID lzma

@@ -11,4 +11,7 @@ windows_build_packages=(
 windows_sdk_packages=(g++ make perl pkg-config dpkg-dev xz-utils autoconf automake libtool)
 # What running the tests needs.
 # shellcheck disable=SC2034
-windows_test_packages=(wine wine64 fonts-wine xvfb xauth python3 fonts-dejavu-core libc6-dev)
+windows_test_packages=(wine wine64 libc6-dev python3)
+# What trying the setup needs beside that.
+# shellcheck disable=SC2034
+windows_check_packages=(fonts-wine)
