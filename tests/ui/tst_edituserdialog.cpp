@@ -22,6 +22,8 @@ using namespace AdminUsers;
 
 namespace {
 
+constexpr int kMostTabs = 24;
+
 QString q(const char *text)
 {
     return QString::fromUtf8(text);
@@ -341,8 +343,10 @@ void EditUserDialogTest::tabFollowsTheGroups()
     QVERIFY(QTest::qWaitForWindowActive(m_dialog.get()));
     find<QLineEdit>("editPicNameEdit")->setFocus();
     QStringList reached;
-    while (reached.size() < 20 && !reached.contains(QApplication::focusWidget()->objectName())) {
-        reached += QApplication::focusWidget()->objectName();
+    for (int keys = 0; keys < kMostTabs && QApplication::focusWidget(); ++keys) {
+        const QString name = QApplication::focusWidget()->objectName();
+        if (reached.isEmpty() || name != reached.last()) // a date takes some keys for its parts
+            reached += name;
         QTest::keyClick(QApplication::focusWidget(), Qt::Key_Tab);
     }
     const QStringList order{q("editPicNameEdit"),   q("editPicCallsignEdit"),     q("editStatusCombo"),
