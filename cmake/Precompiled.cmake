@@ -1,5 +1,5 @@
-# EVOX_PRECOMPILE: Qt's common headers are read once for all targets. A quick look whether everything compiles; a real
-# build is without it, as it hides an include that is missing.
+# EVOX_PRECOMPILE: Qt's common headers are read once for all targets. For builds that have to be quick; those that people
+# work with and those that ship are without it, as it hides an include that is missing.
 if(EVOX_PRECOMPILE)
     file(WRITE ${CMAKE_BINARY_DIR}/precompiled.cpp "// holds the precompiled headers\n")
     add_library(evox_precompiled OBJECT ${CMAKE_BINARY_DIR}/precompiled.cpp)
