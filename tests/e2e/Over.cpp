@@ -76,6 +76,15 @@ QJsonObject Over::toJson() const
             {QStringLiteral("transmitted_seconds"), transmitted.seconds()}};
 }
 
+double loudness(Station &station, std::chrono::milliseconds duration)
+{
+    const std::unique_ptr<Recorder> recorder = station.sound().recordTransmitter();
+    if (!recorder || !recorder->waitForMore(duration))
+        return -1;
+    const Sound sound = recorder->sound();
+    return Signals::rms(sound.pcm.right(sound.pcm.size() / 2));
+}
+
 Over relayOver(Station &from, Station &to, const LossyProxy &line, const Sound &speech)
 {
     Over over;

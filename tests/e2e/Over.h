@@ -27,6 +27,9 @@ struct Over
     [[nodiscard]] QJsonObject toJson() const;
 };
 
+/// Root mean square of what the transmitter is fed in the second half of this time; -1 when it could not be heard.
+[[nodiscard]] double loudness(Station &station, std::chrono::milliseconds duration);
+
 /// Raises the carrier at `from`, plays the speech into its receiver and lowers the carrier. Both are in the same room,
 /// alone. The measurement ends early, with what there is, when a step fails.
 [[nodiscard]] Over relayOver(Station &from, Station &to, const LossyProxy &line, const Sound &speech);

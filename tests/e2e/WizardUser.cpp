@@ -1,5 +1,6 @@
 #include "e2e/WizardUser.h"
 
+#include "support/CompanionServer.h"
 #include "support/Wait.h"
 
 #include <algorithm>
@@ -11,6 +12,23 @@ QList<QPair<QString, QString>> GatewayEntries::fields() const
             {QStringLiteral("frequencyEdit"), frequency},  {QStringLiteral("picCallsignEdit"), picCallsign},
             {QStringLiteral("emailEdit"), email},          {QStringLiteral("whatsappEdit"), whatsapp},
             {QStringLiteral("passwordEdit"), password}};
+}
+
+GatewayEntries exampleGateway(const CompanionServer &server, const QString &room, const QString &callsign,
+                              const QString &password)
+{
+    GatewayEntries entries;
+    entries.server = server.host();
+    entries.port = server.port();
+    entries.room = room;
+    entries.callsign = callsign;
+    entries.gatewayName = QStringLiteral("RF-GW SINAR Utama");
+    entries.frequency = QStringLiteral("145.500 MHz");
+    entries.picCallsign = QStringLiteral("YB0ABC");
+    entries.email = QStringLiteral("gw@club.example");
+    entries.whatsapp = QStringLiteral("08123456789");
+    entries.password = password;
+    return entries;
 }
 
 WizardUser::WizardUser(AppDriver &driver, Hand hand)

@@ -8,6 +8,8 @@
 #include <chrono>
 #include <functional>
 
+class CompanionServer;
+
 /// The wizard's buttons by the names that Qt gives them.
 namespace WizardButton {
 
@@ -35,6 +37,10 @@ struct GatewayEntries
     /// The text fields by object name, as they read once everything is typed.
     [[nodiscard]] QList<QPair<QString, QString>> fields() const;
 };
+
+/// A gateway that a registry with its callsign and that of its responsible person, YB0ABC, lets register.
+[[nodiscard]] GatewayEntries exampleGateway(const CompanionServer &server, const QString &room, const QString &callsign,
+                                            const QString &password);
 
 /// Somebody who goes through the setup wizard page by page, with the keyboard alone or with the mouse as well. Each
 /// page takes the wizard from being shown to the next page; false, after printing why, when it does not get there.

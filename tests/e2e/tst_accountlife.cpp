@@ -74,7 +74,6 @@ private slots:
 private:
     [[nodiscard]] bool startAdmin();
     [[nodiscard]] bool startGateway(const Station::Settings &settings);
-    [[nodiscard]] GatewayEntries entries() const;
     /// Waits until the program that runs now has joined a room again.
     [[nodiscard]] bool joinsAfter(const std::function<bool()> &step);
     /// Connects by hand once the step has ended the connection: the program's own next attempt would come later.
@@ -86,7 +85,6 @@ private:
     /// Steady speech into the gateway's receiver for as long as the result lives.
     [[nodiscard]] std::unique_ptr<ChildProcess> beginOver();
     [[nodiscard]] bool endOver();
-    [[nodiscard]] double loudnessAtAdmin();
 
     bool m_goesOn = true;
     std::unique_ptr<CompanionServer> m_server;
@@ -149,22 +147,6 @@ bool AccountLifeTest::startGateway(const Station::Settings &settings)
     return m_gateway->start() && m_driver->waitForProgram();
 }
 
-GatewayEntries AccountLifeTest::entries() const
-{
-    GatewayEntries entries;
-    entries.server = m_server->host();
-    entries.port = m_server->port();
-    entries.room = kRoom;
-    entries.callsign = kGateway;
-    entries.gatewayName = QStringLiteral("RF-GW SINAR Utama");
-    entries.frequency = QStringLiteral("145.500 MHz");
-    entries.picCallsign = QStringLiteral("YB0ABC");
-    entries.email = QStringLiteral("gw@club.example");
-    entries.whatsapp = QStringLiteral("08123456789");
-    entries.password = kGatewayPassword;
-    return entries;
-}
-
 bool AccountLifeTest::joinsAfter(const std::function<bool()> &step)
 {
     const int joined = m_gateway->program().count(kJoined);
@@ -198,15 +180,6 @@ bool AccountLifeTest::endOver()
     return m_gateway->setCarrier(false) && m_admin->radio().waitForRts(false);
 }
 
-double AccountLifeTest::loudnessAtAdmin()
-{
-    const std::unique_ptr<Recorder> recorder = m_admin->sound().recordTransmitter();
-    if (!recorder || !recorder->waitForMore(kListening))
-        return -1;
-    const Sound sound = recorder->sound();
-    return Signals::rms(sound.pcm.right(sound.pcm.size() / 2));
-}
-
 void AccountLifeTest::registers()
 {
     Station::Settings settings;
@@ -214,7 +187,7 @@ void AccountLifeTest::registers()
     settings.isSetUp = false;
     QVERIFY(startGateway(settings));
     WizardUser user(*m_driver, WizardUser::Hand::Mouse);
-    QVERIFY(user.fillIn(entries()));
+    QVERIFY(user.fillIn(exampleGateway(*m_server, kRoom, kGateway, kGatewayPassword)));
     QVERIFY(user.submit());
     QVERIFY(m_driver->waitForWindow(QStringLiteral("Registrasi Berhasil")));
     QVERIFY(m_driver->answer(kOk));
@@ -258,15 +231,15 @@ void AccountLifeTest::talksOnThroughEveryPreset()
     const QString applied = QStringLiteral("[Audio] Quality applied, frameSize:");
     const std::unique_ptr<ChildProcess> over = beginOver();
     QVERIFY(over);
-    QVERIFY(loudnessAtAdmin() > kAudible);
+    QVERIFY(loudness(*m_admin, kListening) > kAudible);
     const int keyings = m_admin->radio().edges().size();
     const int appliedHere = m_admin->program().count(applied);
     const int appliedThere = m_gateway->program().count(applied);
     QVERIFY(m_administrator->setAudioQuality(preset));
     QVERIFY(m_admin->program().waitForLog(applied, appliedHere + 1));
     QVERIFY(m_gateway->program().waitForLog(applied, appliedThere + 1));
-    const double loudness = loudnessAtAdmin();
-    QVERIFY2(loudness > kAudible, qPrintable(QString::number(loudness)));
+    const double after = loudness(*m_admin, kListening);
+    QVERIFY2(after > kAudible, qPrintable(QString::number(after)));
     QCOMPARE(m_admin->radio().edges().size(), keyings); // keyed all the while
     QVERIFY(endOver());
 }

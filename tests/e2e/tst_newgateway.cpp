@@ -70,7 +70,10 @@ private slots:
 
 private:
     [[nodiscard]] bool startProgram(const QString &registryUrl);
-    [[nodiscard]] GatewayEntries entries() const;
+    [[nodiscard]] GatewayEntries entries() const
+    {
+        return exampleGateway(*m_server, kRoom, QStringLiteral("YH0GW"), QStringLiteral("Pass100%1word"));
+    }
     [[nodiscard]] QJsonObject configured() const
     {
         return QJsonDocument::fromJson(m_station->configuration()).object();
@@ -109,22 +112,6 @@ bool NewGatewayTest::startProgram(const QString &registryUrl)
     m_station = std::make_unique<Station>(settings);
     m_station->setDriver(*m_driver);
     return m_station->start() && m_driver->waitForProgram() && m_driver->waitForWindow(kWizard);
-}
-
-GatewayEntries NewGatewayTest::entries() const
-{
-    GatewayEntries entries;
-    entries.server = m_server->host();
-    entries.port = m_server->port();
-    entries.room = kRoom;
-    entries.callsign = QStringLiteral("YH0GW");
-    entries.gatewayName = QStringLiteral("RF-GW SINAR Utama");
-    entries.frequency = QStringLiteral("145.500 MHz");
-    entries.picCallsign = QStringLiteral("YB0ABC");
-    entries.email = QStringLiteral("gw@club.example");
-    entries.whatsapp = QStringLiteral("08123456789");
-    entries.password = QStringLiteral("Pass100%1word");
-    return entries;
 }
 
 void NewGatewayTest::checkConfigured(const GatewayEntries &entered) const

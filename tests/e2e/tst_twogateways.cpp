@@ -61,7 +61,7 @@ private:
     /// Steady speech into A's receiver until the result is destroyed, with the far radio already keyed.
     [[nodiscard]] std::unique_ptr<ChildProcess> beginOver();
     [[nodiscard]] bool endOver();
-    [[nodiscard]] double loudnessAtB(std::chrono::milliseconds duration);
+    [[nodiscard]] double loudnessAtB(std::chrono::milliseconds duration) { return loudness(*m_b, duration); }
     [[nodiscard]] bool moveBTo(int place);
 
     Display m_display;
@@ -127,15 +127,6 @@ std::unique_ptr<ChildProcess> TwoGatewaysTest::beginOver()
 bool TwoGatewaysTest::endOver()
 {
     return m_a->setCarrier(false) && m_b->radio().waitForRts(false);
-}
-
-double TwoGatewaysTest::loudnessAtB(std::chrono::milliseconds duration)
-{
-    const std::unique_ptr<Recorder> recorder = m_b->sound().recordTransmitter();
-    if (!recorder || !recorder->waitForMore(duration))
-        return -1;
-    const Sound sound = recorder->sound();
-    return Signals::rms(sound.pcm.right(sound.pcm.size() / 2));
 }
 
 bool TwoGatewaysTest::moveBTo(int place)

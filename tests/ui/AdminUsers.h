@@ -1,5 +1,8 @@
 #pragma once
 
+#include "net/TcpClient.h"
+#include "support/FakeServer.h"
+
 #include <QAction>
 #include <QApplication>
 #include <QFont>
@@ -60,6 +63,20 @@ inline QAction *action(const QWidget &widget, const char *name)
 inline void useDesktopFont()
 {
     QApplication::setFont(QFont(QApplication::font().family(), 9));
+}
+
+/// What the client has sent so far, up to a line of the test's own that marks the end; without its heart-beats.
+inline QStringList sentBy(TcpClient *client, FakeServer *server)
+{
+    const QString end = QStringLiteral("END");
+    client->sendCommand(end);
+    if (!server->waitForLine(end))
+        return {QStringLiteral("the end did not arrive")};
+    QStringList lines = server->lines();
+    lines.removeAll(end);
+    lines.removeAll(QStringLiteral("PING"));
+    server->clear();
+    return lines;
 }
 
 } // namespace AdminUsers

@@ -1,3 +1,4 @@
+#include "AdminUsers.h"
 #include "net/TcpClient.h"
 #include "support/FakeServer.h"
 #include "support/Screenshots.h"
@@ -64,7 +65,7 @@ private:
     void open();
     void fill();
     /// The lines since the last call.
-    [[nodiscard]] QStringList sent();
+    [[nodiscard]] QStringList sent() { return AdminUsers::sentBy(m_client.get(), m_server.get()); }
     [[nodiscard]] QString title(int tab) const { return find<QTabWidget>("adminTabs")->tabText(tab); }
     void select(const char *table, int row) const
     {
@@ -136,19 +137,6 @@ void AdminPanelTest::fill()
     m_server->send(q("ADMIN_PENDING|[{\"id\":8,\"callsign\":\"YB2B\",\"name\":\"Siti\",\"email\":\"s@example.org\"}]"));
     m_server->send(q("AUDIO_QUALITY|low|16000|24000|20|5"));
     QTRY_VERIFY(find<QRadioButton>("audioQuality_low")->isChecked()); // the last one
-}
-
-QStringList AdminPanelTest::sent()
-{
-    // A line of the test's own marks the end of what the panel sent.
-    m_client->sendCommand(q("END"));
-    if (!m_server->waitForLine(q("END")))
-        return {q("the end did not arrive")};
-    QStringList lines = m_server->lines();
-    lines.removeAll(q("END"));
-    lines.removeAll(q("PING"));
-    m_server->clear();
-    return lines;
 }
 
 void AdminPanelTest::looksAsAnnounced()

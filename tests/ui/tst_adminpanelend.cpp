@@ -1,4 +1,5 @@
 // The panel whose administrator is none any more, and the panel under hostile lists.
+#include "AdminUsers.h"
 #include "net/TcpClient.h"
 #include "support/FakeServer.h"
 #include "support/ScriptedPrompts.h"
@@ -53,7 +54,7 @@ private:
     }
     /// Sends it, and waits until it and all before it were dispatched.
     void tell(const QString &line);
-    [[nodiscard]] QStringList sent();
+    [[nodiscard]] QStringList sent() { return AdminUsers::sentBy(m_client.get(), m_server.get()); }
 
     std::unique_ptr<FakeServer> m_server;
     std::unique_ptr<TcpClient> m_client;
@@ -93,18 +94,6 @@ void AdminPanelEndTest::tell(const QString &line)
     m_server->send(line);
     m_server->send(q("ERROR|end"));
     QVERIFY(errors.wait());
-}
-
-QStringList AdminPanelEndTest::sent()
-{
-    m_client->sendCommand(q("END"));
-    if (!m_server->waitForLine(q("END")))
-        return {q("the end did not arrive")};
-    QStringList lines = m_server->lines();
-    lines.removeAll(q("END"));
-    lines.removeAll(q("PING"));
-    m_server->clear();
-    return lines;
 }
 
 void AdminPanelEndTest::staysForItsAdministrator_data()

@@ -98,7 +98,6 @@ private:
     [[nodiscard]] int uninstall(const QString &hive);
     [[nodiscard]] bool isInstalled(const QString &folder);
     [[nodiscard]] QString installFolder();
-    [[nodiscard]] GatewayEntries entries() const;
     [[nodiscard]] bool setAutoStart(const QString &picture);
     [[nodiscard]] bool closeProgram();
     [[nodiscard]] bool hasEnded();
@@ -266,22 +265,6 @@ void WindowsProgramTest::installsForOneUser()
     QVERIFY2(qAbs(size - bytes / 1024) < bytes / 1024 / 20, qPrintable(QString::number(size)));
 }
 
-GatewayEntries WindowsProgramTest::entries() const
-{
-    GatewayEntries entries;
-    entries.server = m_server->host();
-    entries.port = m_server->port();
-    entries.room = kRoom;
-    entries.callsign = kCallsign;
-    entries.gatewayName = QStringLiteral("RF-GW SINAR Windows");
-    entries.frequency = QStringLiteral("145.500 MHz");
-    entries.picCallsign = QStringLiteral("YB0ABC");
-    entries.email = QStringLiteral("gateway@club.example");
-    entries.whatsapp = QStringLiteral("08123456789");
-    entries.password = kPassword;
-    return entries;
-}
-
 void WindowsProgramTest::registersANewGateway()
 {
     const QString program = installFolder() + QStringLiteral("\\evox-sinar.exe");
@@ -290,7 +273,9 @@ void WindowsProgramTest::registersANewGateway()
     QVERIFY(m_driver->waitForProgram(1, kSlowStart));
     WizardUser user(*m_driver, WizardUser::Hand::Mouse);
     user.onFilled([this](const QString &page) { return picture(page); });
-    QVERIFY(user.fillIn(entries()));
+    GatewayEntries entries = exampleGateway(*m_server, kRoom, kCallsign, kPassword);
+    entries.gatewayName = QStringLiteral("RF-GW SINAR Windows");
+    QVERIFY(user.fillIn(entries));
     QVERIFY(user.submit());
     QVERIFY(m_driver->waitForWindow(QStringLiteral("Registrasi Berhasil")));
     QVERIFY(picture(QStringLiteral("registered")));
