@@ -22,7 +22,7 @@ int usualWidth(Column column)
 {
     switch (column) {
     case Column::Id: return 4;
-    case Column::Callsign: return 8;
+    case Column::Callsign: return 11;
     case Column::Name:
     case Column::GatewayName:
     case Column::Location:
