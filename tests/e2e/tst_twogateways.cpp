@@ -1,3 +1,4 @@
+#include "e2e/AdminLine.h"
 #include "e2e/Over.h"
 #include "support/CompanionServer.h"
 #include "support/Signals.h"
@@ -5,7 +6,6 @@
 #include "support/Wait.h"
 
 #include <QRegularExpression>
-#include <QTcpSocket>
 
 #include <memory>
 
@@ -228,31 +228,19 @@ void TwoGatewaysTest::administratorMuteEndsAnOver()
     static const QRegularExpression id(QStringLiteral("user_id: (\\d+)"));
     const QString user = id.match(m_a->program().lastLine(QStringLiteral("[TCP] Login successful"))).captured(1);
     QVERIFY(!user.isEmpty());
-    QTcpSocket admin;
-    QByteArray answers;
-    const auto ask = [&](const QString &line, const QByteArray &answer) {
-        admin.write(line.toUtf8() + "\r\n");
-        return waitFor(
-            [&] {
-                answers += admin.readAll();
-                return answer.isEmpty() || answers.contains(answer);
-            },
-            std::chrono::seconds(10));
-    };
-    admin.connectToHost(m_server->host(), m_server->port());
-    QVERIFY(waitFor([&] { return admin.state() == QTcpSocket::ConnectedState; }, std::chrono::seconds(10)));
-    QVERIFY(ask(QStringLiteral("LOGIN %1 %2 hwid-of-the-admin").arg(kAdmin, kPassword), "LOGIN_OK|"));
+    AdminLine admin;
+    QVERIFY(admin.logIn(*m_server, kAdmin, kPassword));
 
     const std::unique_ptr<ChildProcess> over = beginOver();
     QVERIFY(over);
-    QVERIFY(ask(QStringLiteral("ADMIN_MUTE %1 1").arg(user), {}));
+    QVERIFY(admin.ask(QStringLiteral("ADMIN_MUTE %1 1").arg(user)));
     QVERIFY(m_a->program().waitForLog(QStringLiteral("[AdminMute] Muted by admin - TX/COS blocked")));
     QVERIFY(m_b->radio().waitForRts(false));
     QVERIFY(m_a->setCarrier(false));
     QVERIFY(m_a->setCarrier(true));
     QCOMPARE(m_a->program().count(QStringLiteral("[COS] Signal detected but MIC is muted - TX blocked")), 1);
     QVERIFY(m_a->setCarrier(false));
-    QVERIFY(ask(QStringLiteral("ADMIN_MUTE %1 0").arg(user), {}));
+    QVERIFY(admin.ask(QStringLiteral("ADMIN_MUTE %1 0").arg(user)));
     QVERIFY(m_a->program().waitForLog(QStringLiteral("[AdminMute] Unmuted by admin")));
     QVERIFY(m_a->setCarrier(true));
     QVERIFY(m_b->radio().waitForRts(true));

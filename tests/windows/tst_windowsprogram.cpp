@@ -1,4 +1,5 @@
 #include "app/Product.h"
+#include "e2e/AdminLine.h"
 #include "e2e/Over.h"
 #include "e2e/WizardUser.h"
 #include "support/CompanionServer.h"
@@ -12,7 +13,6 @@
 #include <QDirIterator>
 #include <QJsonDocument>
 #include <QRegularExpression>
-#include <QTcpSocket>
 
 #include <algorithm>
 #include <memory>
@@ -331,20 +331,9 @@ void WindowsProgramTest::isApproved()
     static const QRegularExpression id(QStringLiteral("user_id: (\\d+)"));
     const QString user = id.match(m_windows->program().lastLine(QStringLiteral("[TCP] Login successful"))).captured(1);
     QVERIFY(!user.isEmpty());
-    QTcpSocket admin;
-    admin.connectToHost(m_server->host(), m_server->port());
-    QByteArray answers;
-    const auto ask = [&](const QString &line, const QByteArray &answer) {
-        admin.write(line.toUtf8() + "\r\n");
-        return waitFor(
-            [&] {
-                answers += admin.readAll();
-                return answers.contains(answer);
-            },
-            AppDriver::kPatience);
-    };
-    QVERIFY(ask(QStringLiteral("LOGIN %1 %2 hwid-of-the-admin").arg(kAdmin, kPassword), "LOGIN_OK|"));
-    QVERIFY(ask(QStringLiteral("ADMIN_APPROVE_USER %1").arg(user), "ADMIN_APPROVE_USER_OK"));
+    AdminLine admin;
+    QVERIFY(admin.logIn(*m_server, kAdmin, kPassword));
+    QVERIFY(admin.ask(QStringLiteral("ADMIN_APPROVE_USER %1").arg(user), "ADMIN_APPROVE_USER_OK"));
     QVERIFY(picture(QStringLiteral("approved")));
 }
 
