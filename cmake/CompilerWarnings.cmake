@@ -1,4 +1,5 @@
-# evox_warnings(target): the project's warnings and the Qt switches that every target is built with.
+# evox_warnings(target): the project's warnings, the Qt switches and, in builds that have them, the precompiled headers
+# that every target is built with.
 function(evox_warnings target)
     target_compile_definitions(${target} PRIVATE
         QT_NO_CAST_FROM_ASCII QT_NO_CAST_TO_ASCII QT_NO_FOREACH
@@ -15,8 +16,5 @@ function(evox_warnings target)
         target_compile_options(${target} PRIVATE
             $<$<CXX_COMPILER_ID:GNU,Clang>:-Werror> $<$<CXX_COMPILER_ID:MSVC>:/WX>)
     endif()
-    get_target_property(sources ${target} SOURCES)
-    if(TARGET evox_precompiled AND sources MATCHES "[.]cpp" AND NOT target STREQUAL evox_precompiled)
-        target_precompile_headers(${target} REUSE_FROM evox_precompiled)
-    endif()
+    evox_use_precompiled(${target})
 endfunction()
