@@ -26,6 +26,7 @@ unpack_clean_root() {
     [ -e "$clean_root_image" ] || make_image
     tar -C "$1" -xf "$clean_root_image"
     cp /etc/resolv.conf "$1/etc/resolv.conf"
+    printf '127.0.0.1\tlocalhost\n::1\tlocalhost\n' >"$1/etc/hosts" # as the installer writes it
     in_root "$1" apt-get -q update >&2
 }
 
