@@ -54,6 +54,8 @@ bool SerialManager::open(const QString &portName, int baudRate, const QString &p
     m_port->setParity(QSerialPort::NoParity);
     m_port->setStopBits(QSerialPort::OneStop);
     m_port->setFlowControl(QSerialPort::NoFlowControl);
+    // What a radio sends on the same cable is of no use, but kept until somebody takes it.
+    connect(m_port, &QSerialPort::readyRead, m_port, [port = m_port] { port->readAll(); });
     if (!m_port->open(QIODevice::ReadWrite)) {
         qDebug().noquote() << "[Serial] Failed to open port:" << m_port->errorString();
         delete m_port;

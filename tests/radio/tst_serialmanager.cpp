@@ -42,6 +42,7 @@ private slots:
     void closingReleasesFirst_data();
     void closingReleasesFirst();
     void sendsNoData();
+    void keepsNoData();
 
     void reportsCarrier_data();
     void reportsCarrier();
@@ -253,6 +254,22 @@ void SerialManagerTest::sendsNoData()
     m_manager->close();
     QVERIFY(waitFor([this] { return !m_serial->isOpen(); }, kTimeout));
     QCOMPARE(m_serial->written(), QByteArray());
+}
+
+void SerialManagerTest::keepsNoData()
+{
+    QVERIFY(open());
+    auto *port = m_manager->findChild<QSerialPort *>();
+    const QSignalSpy arrivals(port, &QSerialPort::readyRead);
+    for (int i = 1; i <= 3; ++i) {
+        m_serial->send("FA00145000000;");
+#ifndef Q_OS_WIN // where Qt has no serial port, ours does not take data in
+        QTRY_COMPARE(arrivals.size(), i);
+#endif
+        QVERIFY(waitForPolls(1));
+        QCOMPARE(port->bytesAvailable(), 0);
+    }
+    QVERIFY(m_manager->isOpen());
 }
 
 void SerialManagerTest::reportsCarrier_data()

@@ -45,6 +45,8 @@ public:
 
     /// What the radio does.
     void set(Line line, bool high);
+    /// The radio sends data bytes.
+    void send(const QByteArray &data);
     /// The line reads inverted the next `reads` times.
     void flip(Line line, int reads);
 

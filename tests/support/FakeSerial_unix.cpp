@@ -184,6 +184,12 @@ void FakeSerial::pull()
     m_terminal->hangUp();
 }
 
+void FakeSerial::send(const QByteArray &data)
+{
+    if (::write(m_terminal->master, data.constData(), static_cast<std::size_t>(data.size())) != data.size())
+        qFatal("the terminal does not take the radio's data: %s", std::strerror(errno));
+}
+
 QByteArray FakeSerial::written() const
 {
     return m_terminal->written;

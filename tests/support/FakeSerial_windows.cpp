@@ -126,6 +126,11 @@ void FakeSerial::pull()
     (void)m_terminal->ask("pull");
 }
 
+void FakeSerial::send(const QByteArray &data)
+{
+    (void)m_terminal->ask("send=" + data.toHex());
+}
+
 QByteArray FakeSerial::written() const
 {
     return QByteArray::fromHex(m_terminal->ask("written"));
