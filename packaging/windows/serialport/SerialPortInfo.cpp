@@ -81,7 +81,7 @@ QStringList announcedPorts()
         DWORD type = REG_NONE;
         const LSTATUS status = RegEnumValueW(key, i, name.data(), &nameLength, nullptr, &type,
                                              reinterpret_cast<BYTE *>(port.data()), &bytes);
-        if (status == ERROR_NO_MORE_ITEMS)
+        if (status != ERROR_SUCCESS && status != ERROR_MORE_DATA) // the end, or the ports have gone
             break;
         if (status == ERROR_SUCCESS && type == REG_SZ && port[0] != L'\0')
             names.append(QString::fromWCharArray(port.data()));
