@@ -23,6 +23,7 @@ constexpr milliseconds kReinitializeDelay{200};
 constexpr milliseconds kQuiet{20000};  // silence that a keep-alive ends
 constexpr milliseconds kSilent{35000}; // silence after which the link is set up anew
 constexpr int kSocketBuffer = 65536;   // bytes, each way
+constexpr int kLargestDatagram = 65536;
 
 constexpr int kLoggedSends = 5;
 constexpr int kLoggedDatagrams = 10;
@@ -224,14 +225,17 @@ void UdpAudio::fail()
 /// the socket, delete this link or wait in a box.
 void UdpAudio::onReadyRead()
 {
-    while (m_socket->hasPendingDatagrams()) {
-        QByteArray datagram(static_cast<int>(std::max<qint64>(m_socket->pendingDatagramSize(), 0)), Qt::Uninitialized);
+    // Reads once in any case: a datagram with a wrong checksum is gone by now, and without a read the socket would not
+    // tell of the next one.
+    do {
+        const qint64 announced = m_socket->pendingDatagramSize();
+        QByteArray datagram(announced >= 0 ? static_cast<int>(announced) : kLargestDatagram, Qt::Uninitialized);
         const qint64 size = m_socket->readDatagram(datagram.data(), datagram.size());
         if (size < 0)
             break; // the socket tells again when there is more
         datagram.truncate(static_cast<int>(size));
         m_arrived.append(datagram);
-    }
+    } while (m_socket->hasPendingDatagrams());
     scheduleArrived();
 }
 

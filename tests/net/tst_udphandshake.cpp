@@ -1,14 +1,9 @@
-#include "net/UdpAudio.h"
-#include "support/FakeServer.h"
+#include "net/UdpLink.h"
 #include "support/LogCapture.h"
 #include "support/ResourceLimit.h"
 #include "support/TestMain.h"
 
 #include <QHostInfo>
-#include <QSignalSpy>
-#include <QTimer>
-
-#include <memory>
 
 class UdpHandshakeTest final : public QObject
 {
@@ -34,58 +29,15 @@ private slots:
     void enablingAgainStartsOver();
     void stopsSilently();
     void tokenIsResent();
-    void keepalives();
-    void health_data();
-    void health();
-    void unhealthyLinkIsSetUpAnew();
-    void staleReinitializationIsDropped();
-    void closedSocketIsUnhealthy();
+    void tokenHasItsOwnTime();
 };
 
 namespace {
-
-constexpr qint64 kStart = 1000000;
 
 QString q(const char *text)
 {
     return QString::fromUtf8(text);
 }
-
-/// A link and its server; the clock stands still until a test moves it.
-struct Link
-{
-    FakeServer server;
-    UdpAudio udp;
-    qint64 now = kStart;
-    QSignalSpy ready{&udp, &UdpAudio::udpReady};
-    QSignalSpy failed{&udp, &UdpAudio::udpFailed};
-
-    Link()
-    {
-        udp.setClock([this] { return now; });
-        timer("handshakeTimer")->setInterval(30000);
-    }
-    [[nodiscard]] QTimer *timer(const char *name) const { return udp.findChild<QTimer *>(QLatin1String(name)); }
-    [[nodiscard]] bool enable(const char *token = "abc")
-    {
-        return udp.enableUdp(server.host(), FakeServer::kUdpPort, QString::fromLatin1(token));
-    }
-    [[nodiscard]] bool bringUp()
-    {
-        return enable() && QTest::qWaitFor([this] { return udp.isReady(); });
-    }
-    void checkHealth() { QMetaObject::invokeMethod(&udp, "checkHealth", Qt::DirectConnection); }
-    /// Waits until the link has handled everything that the server sent up to now.
-    [[nodiscard]] bool settle()
-    {
-        const qint64 before = now;
-        QSignalSpy audio(&udp, &UdpAudio::audioReceived);
-        server.sendDatagram("AUDIOmark");
-        const bool heard = audio.wait(udp.isReady() ? 5000 : 100) || !udp.isReady();
-        now = before;
-        return heard;
-    }
-};
 
 } // namespace
 
@@ -107,7 +59,7 @@ void UdpHandshakeTest::timers()
 void UdpHandshakeTest::wholeHandshake()
 {
     LogCapture log;
-    Link link;
+    UdpLink link;
     QVERIFY(link.enable("abc"));
     QVERIFY(!link.udp.isReady());
     link.udp.setUserId(42);
@@ -139,7 +91,7 @@ void UdpHandshakeTest::tokenForms_data()
 void UdpHandshakeTest::tokenForms()
 {
     QFETCH(int, userId);
-    Link link;
+    UdpLink link;
     link.udp.setUserId(userId);
     QVERIFY(link.bringUp());
     QTEST(link.server.datagrams().last(), "datagram");
@@ -165,7 +117,7 @@ void UdpHandshakeTest::confirmations()
     QFETCH(QByteArray, word);
     QFETCH(QStringList, logged);
     for (const bool afterPong : {true, false}) {
-        Link link;
+        UdpLink link;
         link.server.answerToken(false);
         link.server.answerPing(false);
         QVERIFY(link.enable());
@@ -198,7 +150,7 @@ void UdpHandshakeTest::wordsThatConfirmNothing_data()
 void UdpHandshakeTest::wordsThatConfirmNothing()
 {
     QFETCH(QByteArray, word);
-    Link link;
+    UdpLink link;
     link.server.answerPing(false);
     QSignalSpy audio(&link.udp, &UdpAudio::audioReceived);
     QVERIFY(link.enable());
@@ -214,7 +166,7 @@ void UdpHandshakeTest::wordsThatConfirmNothing()
 void UdpHandshakeTest::secondPongSendsNoSecondToken()
 {
     LogCapture log;
-    Link link;
+    UdpLink link;
     link.server.answerToken(false);
     QVERIFY(link.enable());
     QVERIFY(link.server.waitForDatagram("TOKEN:"));
@@ -230,7 +182,7 @@ void UdpHandshakeTest::secondPongSendsNoSecondToken()
 void UdpHandshakeTest::noPongFails()
 {
     LogCapture log;
-    Link link;
+    UdpLink link;
     link.server.answerPing(false);
     link.timer("handshakeTimer")->setInterval(20);
     QVERIFY(link.enable());
@@ -245,7 +197,7 @@ void UdpHandshakeTest::noPongFails()
 void UdpHandshakeTest::noConfirmationCountsAsReady()
 {
     LogCapture log;
-    Link link;
+    UdpLink link;
     link.server.answerToken(false);
     link.timer("handshakeTimer")->setInterval(200);
     QVERIFY(link.enable());
@@ -262,6 +214,19 @@ void UdpHandshakeTest::noConfirmationCountsAsReady()
     QVERIFY(link.server.waitForDatagram("PING", 2));
 }
 
+void UdpHandshakeTest::tokenHasItsOwnTime()
+{
+    UdpLink link;
+    link.server.answerPing(false);
+    link.server.answerToken(false);
+    QVERIFY(link.enable());
+    QVERIFY(link.server.waitForDatagram("PING"));
+    link.timer("handshakeTimer")->stop(); // that of the PING
+    link.server.sendDatagram("PONG");
+    QVERIFY(link.server.waitForDatagram("TOKEN:"));
+    QVERIFY(link.timer("handshakeTimer")->isActive());
+}
+
 void UdpHandshakeTest::badHosts_data()
 {
     QTest::addColumn<QString>("host");
@@ -275,7 +240,7 @@ void UdpHandshakeTest::badHosts()
     QFETCH(QString, host);
     QFETCH(QString, logged);
     LogCapture log;
-    Link link;
+    UdpLink link;
     QVERIFY(!link.udp.enableUdp(host, FakeServer::kUdpPort, q("abc")));
     QCOMPARE(link.failed.size(), 1);
     QVERIFY2(log.lines().last().startsWith(logged.left(27)), qPrintable(log.lines().last()));
@@ -285,14 +250,14 @@ void UdpHandshakeTest::badHosts()
 void UdpHandshakeTest::namesAreLookedUp()
 {
     LogCapture log;
-    Link link;
+    UdpLink link;
     QVERIFY(link.udp.enableUdp(q("localhost"), 9, q("abc")));
     QVERIFY2(log.contains(q("[UDP] Resolved to: 127.0.0.1")), "the first address of version 4 is taken");
 }
 
 void UdpHandshakeTest::failedLookupLeavesTheOldLink()
 {
-    Link link;
+    UdpLink link;
     QVERIFY(link.bringUp());
     QVERIFY(!link.udp.enableUdp({}, FakeServer::kUdpPort, q("xyz")));
     link.udp.resendToken(q("abc"));
@@ -304,7 +269,7 @@ void UdpHandshakeTest::noSocketToBeHad()
     if (!ResourceLimit::isPossible())
         QSKIP("this system has no limit for open sockets");
     LogCapture log;
-    Link link;
+    UdpLink link;
     QVERIFY(link.bringUp());
     link.server.answerPing(false);
     QVERIFY(link.enable()); // its handshake must not be told about once it has been replaced
@@ -325,7 +290,7 @@ void UdpHandshakeTest::noSocketToBeHad()
 
 void UdpHandshakeTest::enablingAgainStartsOver()
 {
-    Link link;
+    UdpLink link;
     QVERIFY(link.bringUp());
     link.server.clear();
     QVERIFY(link.enable("xyz"));
@@ -336,7 +301,7 @@ void UdpHandshakeTest::enablingAgainStartsOver()
 
 void UdpHandshakeTest::stopsSilently()
 {
-    Link link;
+    UdpLink link;
     link.server.answerPing(false);
     link.timer("handshakeTimer")->setInterval(20);
     QVERIFY(link.enable());
@@ -352,7 +317,7 @@ void UdpHandshakeTest::stopsSilently()
 void UdpHandshakeTest::tokenIsResent()
 {
     LogCapture log;
-    Link link;
+    UdpLink link;
     link.udp.setUserId(42);
     link.udp.resendToken(q("abc"));
     QVERIFY(link.bringUp());
@@ -360,105 +325,6 @@ void UdpHandshakeTest::tokenIsResent()
     QVERIFY(link.server.waitForDatagram("TOKEN:xyz"));
     QCOMPARE(link.server.datagrams().last(), QByteArray("TOKEN:xyz"));
     QCOMPARE(log.count(q("[UDP] TOKEN resent, length: 9")), 1);
-}
-
-void UdpHandshakeTest::keepalives()
-{
-    LogCapture log;
-    Link link;
-    link.udp.sendKeepalive();
-    QVERIFY(link.bringUp());
-    for (int i = 1; i <= 20; ++i) {
-        link.udp.sendKeepalive();
-        QVERIFY(link.server.waitForDatagram("KEEPALIVE", i));
-        QVERIFY(link.settle());
-    }
-    QCOMPARE(link.server.datagramCount("KEEPALIVE"), 20);
-    QVERIFY2(log.count(q("[UDP] KEEPALIVE_OK received - socket healthy")) == 2, "every tenth answer is told");
-}
-
-void UdpHandshakeTest::health_data()
-{
-    QTest::addColumn<qint64>("silent");
-    QTest::addColumn<bool>("keepalive");
-    QTest::addColumn<bool>("healthy");
-    QTest::newRow("just heard") << qint64(0) << false << true;
-    QTest::newRow("20 s") << qint64(20000) << false << true;
-    QTest::newRow("over 20 s") << qint64(20001) << true << true;
-    QTest::newRow("35 s") << qint64(35000) << true << true;
-    QTest::newRow("over 35 s") << qint64(35001) << false << false;
-    QTest::newRow("never heard") << -kStart << false << true;
-}
-
-void UdpHandshakeTest::health()
-{
-    QFETCH(qint64, silent);
-    QFETCH(bool, keepalive);
-    QFETCH(bool, healthy);
-    LogCapture log;
-    Link link;
-    if (silent < 0)
-        link.now = 0;
-    QVERIFY(link.bringUp());
-    if (!healthy)
-        log.expectWarning(q("[UDP] Socket health check FAILED state: "));
-    link.now = silent < 0 ? 10 * kStart : link.now + silent;
-    link.checkHealth();
-    QCOMPARE(link.udp.isReady(), healthy);
-    if (keepalive)
-        QVERIFY(link.server.waitForDatagram("KEEPALIVE"));
-    else if (healthy)
-        QVERIFY(link.settle());
-    QCOMPARE(link.server.datagramCount("KEEPALIVE"), keepalive ? 1 : 0);
-}
-
-void UdpHandshakeTest::unhealthyLinkIsSetUpAnew()
-{
-    LogCapture log;
-    log.expectWarning(q("[UDP] Socket health check FAILED"));
-    Link link;
-    link.udp.setUserId(42);
-    QVERIFY(link.bringUp());
-    link.now += 40000;
-    link.checkHealth();
-    QVERIFY(log.lines().last().startsWith(q("[UDP] Socket health check FAILED state: ")));
-    QVERIFY(log.lines().last().endsWith(q(" silent: 40000 ms — reinitializing...")));
-    QVERIFY(!link.udp.isReady());
-    QTRY_COMPARE(link.ready.size(), 2);
-    QVERIFY(log.contains(q("[UDP] Reinitializing UDP socket...")));
-    QCOMPARE(link.server.datagramCount("TOKEN:abc:42"), 2);
-}
-
-void UdpHandshakeTest::staleReinitializationIsDropped()
-{
-    LogCapture log;
-    log.expectWarning(q("[UDP] Socket health check FAILED"));
-    Link link;
-    QVERIFY(link.bringUp());
-    link.now += 40000;
-    link.checkHealth();
-    QVERIFY(link.timer("reinitializeTimer")->isActive());
-    QVERIFY(link.enable("fresh"));
-    QVERIFY(!link.timer("reinitializeTimer")->isActive());
-    QTRY_COMPARE(link.ready.size(), 2);
-    QCOMPARE(link.server.datagrams().last(), QByteArray("TOKEN:fresh"));
-
-    link.now += 40000;
-    link.checkHealth();
-    link.udp.stop();
-    QVERIFY(!link.timer("reinitializeTimer")->isActive());
-}
-
-void UdpHandshakeTest::closedSocketIsUnhealthy()
-{
-    LogCapture log;
-    log.expectWarning(q("[UDP] Socket health check FAILED state: QAbstractSocket::UnconnectedState silent: 0 ms"));
-    Link link;
-    QVERIFY(link.bringUp());
-    link.udp.findChild<QUdpSocket *>()->close();
-    link.checkHealth();
-    QVERIFY(!link.udp.isReady());
-    QTRY_COMPARE(link.ready.size(), 2);
 }
 
 EVOX_TEST_MAIN(UdpHandshakeTest, QCoreApplication)
