@@ -154,6 +154,8 @@ void AudioEngine::setSpeakerGain(int percent)
 void AudioEngine::setMicMuted(bool muted)
 {
     m_micMuted = muted;
+    if (muted)
+        m_inputLevel = 0;
     qDebug() << "[Audio] Mic muted:" << muted;
 }
 
@@ -165,12 +167,14 @@ void AudioEngine::setSpeakerMuted(bool muted)
 
 void AudioEngine::setInputDevice(const QString &name)
 {
+    m_isInputNamed = m_isInputNamed && name == m_inputDeviceName;
     m_inputDeviceName = name;
     qDebug().noquote() << "[Audio] Input device set to:" << name;
 }
 
 void AudioEngine::setOutputDevice(const QString &name)
 {
+    m_isOutputNamed = m_isOutputNamed && name == m_outputDeviceName;
     m_outputDeviceName = name;
     qDebug().noquote() << "[Audio] Output device set to:" << name;
 }
@@ -178,6 +182,7 @@ void AudioEngine::setOutputDevice(const QString &name)
 void AudioEngine::applyQuality(int sampleRate, int bitrate, int complexity, int frameDurationMs)
 {
     const bool wasCapturing = m_capturing;
+    const bool wantedCapture = m_wantsCapture;
     stopCapture();
 
     m_bitrate = bitrate;
@@ -194,7 +199,10 @@ void AudioEngine::applyQuality(int sampleRate, int bitrate, int complexity, int 
     }
 
     // A device that does not come back at the new rate is waited for like any lost one.
-    if (wasCapturing && !startCapture())
+    m_wantsCapture = wasCapturing || wantedCapture;
+    if (wasCapturing && openCapture(Choice::Same))
+        beginCapture();
+    else if (wasCapturing)
         beginPolling();
     qDebug() << "[Audio] Quality applied, frameSize:" << m_frameSize;
 }
@@ -208,10 +216,14 @@ void AudioEngine::watchDevices()
 
 void AudioEngine::checkDevices()
 {
-    if (!m_capturing && !m_playing) {
+    if (!m_wantsCapture && !m_wantsPlayback) {
         m_deviceWatch->stop();
         return;
     }
+    if (m_wantsCapture && !m_capturing && openCapture(Choice::Any))
+        beginCapture();
+    if (m_wantsPlayback && !m_playing && openPlayback(Choice::Any, false))
+        beginPlayback();
     // A card may vanish without ending its stream: then nothing comes in, or nothing is taken any more.
     if (m_capturing && (!m_input || !m_input->device() || !m_inputDelivered))
         recoverCapture();

@@ -15,7 +15,8 @@
 class QTimer;
 
 /// Radio audio in, payloads out, and the other way round: sound card, gain, meter, codec and cipher. A sound card that
-/// is lost while it is open is opened again every five seconds until it is back. GUI thread only.
+/// is lost or not there yet is looked for every five seconds; no other one takes the place of a lost one that was
+/// chosen by name. GUI thread only.
 class AudioEngine final : public QObject
 {
     Q_OBJECT
@@ -35,8 +36,10 @@ public:
     [[nodiscard]] bool isSpeakerMuted() const { return m_speakerMuted; }
     /// The last key that was set had 32 bytes; audio may still travel in the clear when the cipher is not there.
     [[nodiscard]] bool isEncryptionEnabled() const { return m_encryptionEnabled; }
-    [[nodiscard]] int inputLevel() const { return m_inputLevel; }   ///< 0..100
-    [[nodiscard]] int outputLevel() const { return m_outputLevel; } ///< 0..100
+    /// 0..100, of the last captured frame; 0 while nothing is captured or the microphone is muted.
+    [[nodiscard]] int inputLevel() const { return m_inputLevel; }
+    /// 0..100, of what was last received or played; 0 once half a second was captured since then.
+    [[nodiscard]] int outputLevel() const { return m_outputLevel; }
     /// Samples per codec frame, 1..48000.
     [[nodiscard]] int frameSize() const { return m_frameSize; }
     /// Bytes of decoded audio that wait for the sound card.
@@ -49,10 +52,11 @@ public:
     /// Loads the codec and makes encoder and decoder. The arguments are ignored: a session always begins with 48 kHz
     /// mono at 32 kbit/s, until the server names another quality. False and error() when the codec cannot be loaded.
     bool init(int sampleRate, int channels, int frameSize, int bitrate, int complexity);
-    /// Opens the input device. False without codec or device; true at once when capturing already.
+    /// Opens the input device. False without codec or device; true at once when capturing already. Capture without a
+    /// device begins when there is one, if stopCapture() does not come before.
     bool startCapture();
     void stopCapture();
-    /// Opens the output device, once. False when there is none.
+    /// Opens the output device, once. False when there is none; playback then begins when there is one.
     bool startPlayback();
     void stopPlayback();
     /// The payload of one packet: enciphered, or as it is while there is no key or no cipher. Empty when the cipher
@@ -95,10 +99,15 @@ private slots:
 private:
     static constexpr int kOutputRate = 44100; // Hz, whatever the quality
 
+    /// Which device may be opened: what the system has, or the one that was open before, if it was chosen by name.
+    enum class Choice { Any, Same };
+
     [[nodiscard]] bool canEncipher() const;
-    [[nodiscard]] bool openCapture();
-    [[nodiscard]] bool openPlayback(bool reportChoice);
+    [[nodiscard]] bool openCapture(Choice choice);
+    [[nodiscard]] bool openPlayback(Choice choice, bool reportChoice);
+    void beginCapture();
     void beginPolling();
+    void beginPlayback();
     void watchDevices();
     void recoverCapture();
     void recoverPlayback();
@@ -109,6 +118,7 @@ private:
     [[nodiscard]] bool decodePacket(const QByteArray &packet);
     void meterReceivedPacket(const QByteArray &pcm);
     void setOutputLevel(int level);
+    void ageOutputLevel();
 
     std::unique_ptr<SoundCard> m_soundCard;
     OpusCodec m_codec;
@@ -133,7 +143,11 @@ private:
     bool m_inputDelivered = false; // since the last look of the watch
     bool m_captureLost = false;
     bool m_playbackLost = false;
+    bool m_isInputNamed = false;  // as it is or was open
+    bool m_isOutputNamed = false; // as it is or was open
 
+    bool m_wantsCapture = false;
+    bool m_wantsPlayback = false;
     bool m_capturing = false;
     bool m_playing = false;
     bool m_encryptionEnabled = false;
@@ -145,6 +159,7 @@ private:
     int m_speakerGain = 100; // percent
     int m_inputLevel = 0;
     int m_outputLevel = 0;
+    qint64 m_outputLevelAge = 0; // in samples captured since
     qint64 m_overflows = 0;
     qint64 m_writeFailures = 0; // in a row
 };

@@ -18,11 +18,15 @@ constexpr auto kCaptureInterval = 10ms; // half a frame, so that a backlog drain
 
 } // namespace
 
-bool AudioEngine::openCapture()
+bool AudioEngine::openCapture(Choice choice)
 {
     m_input.reset();
     m_carry.clear();
-    m_input = m_soundCard->openInput({m_inputDeviceName, m_captureRate, m_channels});
+    SoundCard::Request request{m_inputDeviceName, m_captureRate, m_channels};
+    request.onlyNamed = choice == Choice::Same && m_isInputNamed;
+    m_input = m_soundCard->openInput(request);
+    if (m_input)
+        m_isInputNamed = m_input->isOfNamedDevice();
     return m_input != nullptr;
 }
 
@@ -32,13 +36,20 @@ bool AudioEngine::startCapture()
         return false;
     if (m_capturing)
         return true;
-    if (!openCapture())
+    m_wantsCapture = true;
+    if (!openCapture(Choice::Any)) {
+        watchDevices();
         return false;
+    }
+    beginCapture();
+    return true;
+}
 
+void AudioEngine::beginCapture()
+{
     m_captureLost = false;
     beginPolling();
     qDebug() << "[Audio] Capture started with timer polling";
-    return true;
 }
 
 void AudioEngine::beginPolling()
@@ -53,6 +64,7 @@ void AudioEngine::beginPolling()
 
 void AudioEngine::stopCapture()
 {
+    m_wantsCapture = false;
     if (!m_capturing)
         return;
     qDebug() << "[Audio] Capture stopped";
@@ -62,6 +74,7 @@ void AudioEngine::stopCapture()
     m_captureTimer = nullptr;
     m_input.reset();
     m_carry.clear();
+    m_inputLevel = 0;
 }
 
 void AudioEngine::recoverCapture()
@@ -69,7 +82,7 @@ void AudioEngine::recoverCapture()
     if (!m_captureLost)
         qDebug() << "[Audio] Capture device lost, reopening it";
     m_captureLost = true;
-    (void)openCapture(); // a failure is tried again at the next look
+    (void)openCapture(Choice::Same); // a failure is tried again at the next look
 }
 
 void AudioEngine::onCaptureTimer()
@@ -86,6 +99,7 @@ void AudioEngine::onCaptureTimer()
 
     Pcm::applyGain(frame, m_micGain);
     m_inputLevel = Pcm::level(frame);
+    ageOutputLevel();
     emit audioLevelChanged(m_inputLevel, m_outputLevel);
 
     QByteArray packet = encodeFrame(frame);

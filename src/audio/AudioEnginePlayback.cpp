@@ -16,14 +16,19 @@ using AudioDiagnostics::isFirstFive;
 namespace {
 
 constexpr int kSmallestPacket = 10; // bytes; less is no speech
+constexpr int kLevelsPerSecond = 2; // a level is shown for half a second
 
 } // namespace
 
-bool AudioEngine::openPlayback(bool reportChoice)
+bool AudioEngine::openPlayback(Choice choice, bool reportChoice)
 {
     m_output.reset();
     m_writeFailures = 0;
-    m_output = m_soundCard->openOutput({m_outputDeviceName, kOutputRate, m_channels, reportChoice});
+    SoundCard::Request request{m_outputDeviceName, kOutputRate, m_channels, reportChoice};
+    request.onlyNamed = choice == Choice::Same && m_isOutputNamed;
+    m_output = m_soundCard->openOutput(request);
+    if (m_output)
+        m_isOutputNamed = m_output->isOfNamedDevice();
     return m_output != nullptr;
 }
 
@@ -34,20 +39,28 @@ bool AudioEngine::startPlayback()
         return true;
     }
     qDebug() << "[Audio] Starting playback (should be called only once)";
-    if (!openPlayback(true)) {
+    m_wantsPlayback = true;
+    if (!openPlayback(Choice::Any, true)) {
         qDebug() << "[Audio] Failed to start playback";
+        watchDevices();
         return false;
     }
+    beginPlayback();
+    return true;
+}
+
+void AudioEngine::beginPlayback()
+{
     m_playing = true;
     m_playbackLost = false;
     m_outputTimer->start();
     watchDevices();
     qDebug() << "[Audio] Playback started successfully";
-    return true;
 }
 
 void AudioEngine::stopPlayback()
 {
+    m_wantsPlayback = false;
     if (!m_playing)
         return;
     qDebug() << "[Audio] stopPlayback - should only happen on app exit!";
@@ -62,7 +75,7 @@ void AudioEngine::recoverPlayback()
     if (!m_playbackLost)
         qDebug() << "[Audio] Playback device lost, reopening it";
     m_playbackLost = true;
-    (void)openPlayback(false); // a failure is tried again at the next look
+    (void)openPlayback(Choice::Same, false); // a failure is tried again at the next look
 }
 
 void AudioEngine::onAudioReceived(const QByteArray &data)
@@ -133,7 +146,16 @@ void AudioEngine::meterReceivedPacket(const QByteArray &pcm)
 void AudioEngine::setOutputLevel(int level)
 {
     m_outputLevel = level;
+    m_outputLevelAge = 0;
     emit audioLevelChanged(m_inputLevel, m_outputLevel);
+}
+
+/// The levels are told together: without this, capture would keep up the level of an over that has long ended.
+void AudioEngine::ageOutputLevel()
+{
+    m_outputLevelAge += m_frameSize;
+    if (m_outputLevelAge * kLevelsPerSecond > m_captureRate)
+        m_outputLevel = 0;
 }
 
 void AudioEngine::onOutputBufferTimer()
@@ -146,10 +168,12 @@ void AudioEngine::onOutputBufferTimer()
     if (!device || m_playback.size() < chunk)
         return;
 
-    // A device with less room than a chunk would cut it off, and packets come in bursts: a full one refuses for now.
-    const qint64 written = m_output->bytesFree() < chunk ? 0 : device->write(m_playback.front(), chunk);
+    // A device with less room than a chunk would cut it off, and packets come in bursts: it gets what fits, as some
+    // only begin to play when they are nearly full.
+    const int offered = qMin(chunk, m_output->bytesFree() / Pcm::kBytesPerSample * Pcm::kBytesPerSample);
+    const qint64 written = offered > 0 ? device->write(m_playback.front(), offered) : 0;
     if (written <= 0) {
-        ++m_writeFailures; // the chunk stays in front and is offered again
+        ++m_writeFailures; // what was offered stays in front
         return;
     }
     m_writeFailures = 0;
@@ -158,7 +182,7 @@ void AudioEngine::onOutputBufferTimer()
     const int level = metered ? Pcm::level(reinterpret_cast<const qint16 *>(m_playback.front()),
                                            Pcm::sampleCount(static_cast<int>(written)))
                               : 0;
-    m_playback.drop(chunk); // what the device did not accept of it is lost
+    m_playback.drop(offered); // what the device did not accept of it is lost
     if (metered)
         setOutputLevel(level);
 }

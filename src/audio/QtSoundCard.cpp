@@ -23,9 +23,10 @@ template<typename Audio> class QtSoundStream final : public SoundStream
 {
 public:
     // The application owns what is still waiting for its deletion at the end.
-    explicit QtSoundStream(std::unique_ptr<Audio> audio)
+    QtSoundStream(std::unique_ptr<Audio> audio, bool isOfNamedDevice)
         : m_audio(audio.release())
         , m_device(m_audio->start())
+        , m_isOfNamedDevice(isOfNamedDevice)
     {
         m_audio->setParent(QCoreApplication::instance());
     }
@@ -46,15 +47,17 @@ public:
             return m_audio->bytesFree();
         return SoundStream::bytesFree();
     }
+    [[nodiscard]] bool isOfNamedDevice() const override { return m_isOfNamedDevice; }
 
 private:
     Audio *m_audio;
     QPointer<QIODevice> m_device; // deleted by Qt when the sound server goes away
+    bool m_isOfNamedDevice;
 };
 
-template<typename Audio> std::unique_ptr<SoundStream> start(std::unique_ptr<Audio> audio)
+template<typename Audio> std::unique_ptr<SoundStream> start(std::unique_ptr<Audio> audio, bool isOfNamedDevice)
 {
-    auto stream = std::make_unique<QtSoundStream<Audio>>(std::move(audio));
+    auto stream = std::make_unique<QtSoundStream<Audio>>(std::move(audio), isOfNamedDevice);
     return stream->device() ? std::move(stream) : nullptr;
 }
 
@@ -86,18 +89,24 @@ QAudioDeviceInfo namedDevice(QAudio::Mode mode, const QString &name)
 std::unique_ptr<SoundStream> QtSoundCard::openInput(const Request &request)
 {
     QAudioDeviceInfo device = namedDevice(QAudio::AudioInput, request.deviceName);
-    if (device.isNull())
+    const bool isNamed = !device.isNull();
+    if (!isNamed && request.onlyNamed)
+        return nullptr;
+    if (!isNamed)
         device = QAudioDeviceInfo::defaultInputDevice();
     QAudioFormat format = wantedFormat(request);
     if (!device.isFormatSupported(format))
         format = device.nearestFormat(format);
-    return start(std::make_unique<QAudioInput>(device, format));
+    return start(std::make_unique<QAudioInput>(device, format), isNamed);
 }
 
 std::unique_ptr<SoundStream> QtSoundCard::openOutput(const Request &request)
 {
     QAudioDeviceInfo device = namedDevice(QAudio::AudioOutput, request.deviceName);
-    if (device.isNull())
+    const bool isNamed = !device.isNull();
+    if (!isNamed && request.onlyNamed)
+        return nullptr;
+    if (!isNamed)
         device = QAudioDeviceInfo::defaultOutputDevice();
     else if (request.reportChoice)
         qDebug().noquote() << "[Audio] Using selected output:" << device.deviceName();
@@ -109,5 +118,5 @@ std::unique_ptr<SoundStream> QtSoundCard::openOutput(const Request &request)
     }
     auto audio = std::make_unique<QAudioOutput>(device, format);
     audio->setBufferSize(kOutputBufferSize);
-    return start(std::move(audio));
+    return start(std::move(audio), isNamed);
 }

@@ -19,6 +19,8 @@ public:
     [[nodiscard]] virtual QIODevice *device() const = 0;
     /// Bytes that an output takes without cutting them off.
     [[nodiscard]] virtual int bytesFree() const { return std::numeric_limits<int>::max(); }
+    /// Whether this is the device that the request named, not the system's default.
+    [[nodiscard]] virtual bool isOfNamedDevice() const = 0;
 
 protected:
     SoundStream() = default;
@@ -34,6 +36,7 @@ public:
         int sampleRate = 0; ///< Hz
         int channels = 1;
         bool reportChoice = true; ///< whether to log an output that is not the plain default
+        bool onlyNamed = false;   ///< whether no other device may take the place of the named one
     };
 
     virtual ~SoundCard() = default;

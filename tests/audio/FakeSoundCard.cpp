@@ -7,8 +7,9 @@ namespace {
 class FakeStream final : public SoundStream
 {
 public:
-    explicit FakeStream(QIODevice *device)
+    FakeStream(QIODevice *device, bool isOfNamedDevice)
         : m_device(device)
+        , m_isOfNamedDevice(isOfNamedDevice)
     {
     }
     ~FakeStream() override { delete m_device; }
@@ -19,8 +20,11 @@ public:
         return output ? output->room : SoundStream::bytesFree();
     }
 
+    [[nodiscard]] bool isOfNamedDevice() const override { return m_isOfNamedDevice; }
+
 private:
     QPointer<QIODevice> m_device;
+    bool m_isOfNamedDevice;
 };
 
 } // namespace
@@ -46,19 +50,21 @@ qint64 FakeOutput::writeData(const char *data, qint64 size)
 std::unique_ptr<SoundStream> FakeSoundCard::openInput(const Request &request)
 {
     inputRequests.append(request);
-    if (!present)
+    const bool isNamed = !named.isEmpty() && request.deviceName == named;
+    if (!present || (request.onlyNamed && !isNamed))
         return nullptr;
     input = new FakeInput;
-    return std::make_unique<FakeStream>(input);
+    return std::make_unique<FakeStream>(input, isNamed);
 }
 
 std::unique_ptr<SoundStream> FakeSoundCard::openOutput(const Request &request)
 {
     outputRequests.append(request);
-    if (!present)
+    const bool isNamed = !named.isEmpty() && request.deviceName == named;
+    if (!present || (request.onlyNamed && !isNamed))
         return nullptr;
     output = new FakeOutput;
-    return std::make_unique<FakeStream>(output);
+    return std::make_unique<FakeStream>(output, isNamed);
 }
 
 void FakeSoundCard::unplug()

@@ -57,6 +57,7 @@ public:
     void unplug();
 
     bool present = true; ///< false: nothing can be opened
+    QString named;       ///< the one device that is found by its name; the others are the default
     QList<Request> inputRequests;
     QList<Request> outputRequests;
     QPointer<FakeInput> input;

@@ -23,6 +23,7 @@ private slots:
     void gain_data();
     void gain();
     void levelOfEveryFrame();
+    void levelsOfWhatHasEnded();
     void mutedMicrophone();
     void keyText_data();
     void keyText();
@@ -190,6 +191,23 @@ void TestAudioCapture::levelOfEveryFrame()
     const QList<QPair<int, int>> expected{{0, 0}, {56, 0}, {38, 0}};
     QCOMPARE(rig.levels, expected);
     QCOMPARE(rig.engine.inputLevel(), 38);
+}
+
+// Each direction tells the other's level too, and would keep it up for ever.
+void TestAudioCapture::levelsOfWhatHasEnded()
+{
+    EngineRig rig;
+    QVERIFY(rig.startBoth());
+    for (const QByteArray &packet : encodedApart(Tone::sine(1000, 48000, 960 * 10), firstQuality(), 960))
+        rig.engine.onAudioReceived(packet);
+    const int heard = rig.engine.outputLevel();
+    QVERIFY(heard > 0);
+    rig.capture(QByteArray(25 * EngineRig::kFrameBytes, '\0')); // half a second
+    QCOMPARE(rig.levels.last(), qMakePair(0, heard));
+    rig.capture(Tone::sine(1000, 48000, 960, 3277));
+    QCOMPARE(rig.levels.last(), qMakePair(38, 0));
+    rig.engine.setMicMuted(true);
+    QCOMPARE(rig.engine.inputLevel(), 0);
 }
 
 void TestAudioCapture::mutedMicrophone()

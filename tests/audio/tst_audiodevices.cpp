@@ -51,6 +51,7 @@ public:
     }
     [[nodiscard]] QIODevice *device() const override { return m_stream->device() ? m_tap.get() : nullptr; }
     [[nodiscard]] int bytesFree() const override { return m_stream->bytesFree(); }
+    [[nodiscard]] bool isOfNamedDevice() const override { return m_stream->isOfNamedDevice(); }
 
 private:
     std::unique_ptr<SoundStream> m_stream;
@@ -97,17 +98,18 @@ public:
     AudioEngine engine{std::make_unique<TappedSoundCard>(&captured), nullptr};
 };
 
-// Sends a tone to an engine as a room would: a payload every 20 ms, for as long as it lives.
+// Sends a tone to an engine as a room would: a payload for each frame's time, for as long as it lives.
 class Talker
 {
 public:
-    Talker(AudioEngine &engine, double frequency)
+    Talker(AudioEngine &engine, double frequency, int frameMilliseconds = 20)
     {
-        m_packets = encodedApart(Tone::sine(frequency, 48000, 960 * 50), firstQuality(), 960);
+        const int frame = 48 * frameMilliseconds;
+        m_packets = encodedApart(Tone::sine(frequency, 48000, frame * 50), firstQuality(), frame);
         QObject::connect(&m_timer, &QTimer::timeout, &engine,
                          [this, &engine] { engine.onAudioReceived(m_packets[m_next++ % m_packets.size()]); });
         m_timer.setTimerType(Qt::PreciseTimer);
-        m_timer.start(20);
+        m_timer.start(frameMilliseconds);
     }
 
 private:
@@ -141,6 +143,9 @@ private slots:
     void inputByName();
     void outputByName_data();
     void outputByName();
+    void onlyTheNamedDevice();
+    void longFrames_data();
+    void longFrames();
     void unsupportedOutputRate();
     void muteAndUnmute();
     void qualityWhileCapturing();
@@ -225,6 +230,50 @@ void TestAudioDevices::outputByName()
     connect(recorder.get(), &QProcess::readyRead, &station.engine, [&] { heard += recorder->readAll(); });
     QTRY_VERIFY_WITH_TIMEOUT(contains(heard, 44100, 660), kPatience);
     QVERIFY(station.engine.outputLevel() > 0);
+}
+
+void TestAudioDevices::onlyTheNamedDevice()
+{
+    QtSoundCard card;
+    SoundCard::Request request{QStringLiteral("nothing"), 44100, 1, false};
+    for (const bool onlyNamed : {false, true}) {
+        request.onlyNamed = onlyNamed;
+        request.deviceName = QStringLiteral("nothing");
+        QCOMPARE(card.openInput(request) == nullptr, onlyNamed);
+        QCOMPARE(card.openOutput(request) == nullptr, onlyNamed);
+        request.deviceName = QStringLiteral("other_mic");
+        const auto input = card.openInput(request);
+        QVERIFY(input && input->isOfNamedDevice());
+        request.deviceName = QStringLiteral("other_tx");
+        const auto output = card.openOutput(request);
+        QVERIFY(output && output->isOfNamedDevice());
+    }
+    request = {QString(), 44100, 1, false};
+    const auto fallback = card.openOutput(request);
+    QVERIFY(fallback && !fallback->isOfNamedDevice());
+}
+
+void TestAudioDevices::longFrames_data()
+{
+    QTest::addColumn<int>("milliseconds");
+    for (const int milliseconds : {40, 60})
+        QTest::addRow("%d ms", milliseconds) << milliseconds;
+}
+
+// The chunks of some do not add up to what the sound server wants before it begins to play.
+void TestAudioDevices::longFrames()
+{
+    QFETCH(int, milliseconds);
+    const auto recorder = m_daemon.record(44100, QStringLiteral("radio_tx.monitor"));
+    QVERIFY(recorder);
+    Station station;
+    QVERIFY(station.start());
+    station.engine.applyQuality(48000, 32000, 5, milliseconds);
+    const Talker talker(station.engine, 660, milliseconds);
+    QByteArray heard;
+    connect(recorder.get(), &QProcess::readyRead, &station.engine,
+            [&] { heard = (heard + recorder->readAll()).right(44100); });
+    QTRY_VERIFY_WITH_TIMEOUT(contains(heard, 44100, 660), kPatience);
 }
 
 void TestAudioDevices::unsupportedOutputRate()

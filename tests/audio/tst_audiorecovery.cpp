@@ -34,6 +34,10 @@ private slots:
     void busyOutputIsLeftAlone();
     void qualityWhileCardIsAway();
     void playbackResumesWithRecentAudio();
+    void namedCardIsNotReplaced();
+    void cardInPlaceOfANamedOneComesBack();
+    void missingCardIsWaitedFor();
+    void stopEndsTheWaitForAMissingCard();
 };
 
 void TestAudioRecovery::watchRunsEveryFiveSeconds()
@@ -227,6 +231,89 @@ void TestAudioRecovery::playbackResumesWithRecentAudio()
     lookAtDevices(rig.engine);
     rig.feedOutput(1);
     QCOMPARE(rig.card->output->played.size(), EngineRig::kChunkBytes);
+}
+
+// The computer's own microphone must not go to the room because the radio's card was gone for a moment.
+void TestAudioRecovery::namedCardIsNotReplaced()
+{
+    EngineRig rig;
+    const QString radio = QStringLiteral("radio");
+    rig.card->named = radio;
+    rig.engine.setInputDevice(radio);
+    rig.engine.setOutputDevice(radio);
+    QVERIFY(rig.startBoth());
+    rig.card->unplug();
+    rig.card->present = true; // the computer's own
+    rig.card->named.clear();
+    lookAtDevices(rig.engine);
+    rig.engine.applyQuality(24000, 16000, 5, 20);
+    QVERIFY(!rig.card->input);
+    QVERIFY(!rig.card->output);
+    QVERIFY(rig.engine.isCapturing());
+    QVERIFY(rig.engine.isPlaying());
+    rig.card->named = radio;
+    lookAtDevices(rig.engine);
+    QVERIFY(rig.card->input);
+    QVERIFY(rig.card->output);
+
+    rig.card->unplug();
+    rig.card->present = true;
+    rig.card->named.clear();
+    rig.engine.setInputDevice(QString()); // the operator wants the computer's own
+    rig.engine.setOutputDevice(QString());
+    lookAtDevices(rig.engine);
+    QVERIFY(rig.card->input);
+    QVERIFY(rig.card->output);
+}
+
+void TestAudioRecovery::cardInPlaceOfANamedOneComesBack()
+{
+    EngineRig rig;
+    rig.engine.setInputDevice(QStringLiteral("radio"));
+    rig.engine.setOutputDevice(QStringLiteral("radio"));
+    QVERIFY(rig.startBoth());
+    rig.card->unplug();
+    rig.card->present = true;
+    lookAtDevices(rig.engine);
+    QVERIFY(rig.card->input);
+    QVERIFY(rig.card->output);
+}
+
+void TestAudioRecovery::missingCardIsWaitedFor()
+{
+    EngineRig rig;
+    QVERIFY(rig.init());
+    rig.card->present = false;
+    QVERIFY(!rig.engine.startCapture());
+    QVERIFY(!rig.engine.startPlayback());
+    LogCapture log;
+    for (int i = 0; i < 10; ++i)
+        lookAtDevices(rig.engine);
+    QVERIFY(!rig.engine.isCapturing());
+    QVERIFY(!rig.engine.isPlaying());
+    QCOMPARE(log.lines(), QStringList());
+    rig.engine.applyQuality(24000, 16000, 5, 20); // does not end the wait
+    rig.card->present = true;
+    lookAtDevices(rig.engine);
+    QVERIFY(rig.engine.isCapturing());
+    QVERIFY(rig.engine.isPlaying());
+    QCOMPARE(rig.card->inputRequests.last().sampleRate, 24000);
+    lookAtDevices(rig.engine);
+    QCOMPARE(log.count(QStringLiteral("[Audio] Capture started with timer polling")), 1);
+    QCOMPARE(log.count(QStringLiteral("[Audio] Playback started successfully")), 1);
+}
+
+void TestAudioRecovery::stopEndsTheWaitForAMissingCard()
+{
+    EngineRig rig;
+    QVERIFY(rig.init());
+    rig.card->present = false;
+    QVERIFY(!rig.engine.startCapture());
+    rig.engine.stopCapture();
+    rig.card->present = true;
+    lookAtDevices(rig.engine);
+    QVERIFY(!rig.engine.isCapturing());
+    QCOMPARE(rig.card->inputRequests.size(), 1);
 }
 
 EVOX_TEST_MAIN(TestAudioRecovery, QCoreApplication)
