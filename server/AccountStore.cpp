@@ -1,9 +1,12 @@
 #include "server/AccountStore.h"
 
+#include <QDebug>
 #include <QSqlError>
 #include <QSqlQuery>
 #include <QUuid>
 #include <QVariant>
+
+#include <functional>
 
 namespace {
 
@@ -70,6 +73,20 @@ Account fromRow(const QSqlQuery &query)
     a.lastLogin = next().toString();
     a.muted = next().toBool();
     return a;
+}
+
+/// Runs a query that reads, and hands each row on. False, with the reason in the log, when it does not come to its end.
+bool readRows(QSqlQuery *query, const std::function<void()> &take)
+{
+    const bool isPrepared = !query->lastError().isValid();
+    if (isPrepared && query->exec()) {
+        while (query->next())
+            take();
+    }
+    if (!query->lastError().isValid())
+        return true;
+    qWarning().noquote() << "the database could not be read:" << query->lastError().text();
+    return false;
 }
 
 } // namespace
@@ -195,13 +212,13 @@ bool AccountStore::remove(int id)
     return query.exec() && query.numRowsAffected() == 1;
 }
 
-QList<StoredRoom> AccountStore::rooms() const
+QList<StoredRoom> AccountStore::rooms(bool *isRead) const
 {
     QList<StoredRoom> all;
     QSqlQuery query = prepared(QStringLiteral("SELECT name, maximum FROM rooms ORDER BY position, name"));
-    query.exec();
-    while (query.next())
-        all.append({query.value(0).toString(), query.value(1).toInt()});
+    const bool isComplete = readRows(&query, [&] { all.append({query.value(0).toString(), query.value(1).toInt()}); });
+    if (isRead)
+        *isRead = isComplete;
     return all;
 }
 
@@ -233,10 +250,13 @@ bool AccountStore::removeRoom(const QString &name)
 bool AccountStore::setRoomOrder(const QStringList &names)
 {
     QStringList order = names;
-    for (const StoredRoom &room : rooms()) {
+    bool isRead = false;
+    for (const StoredRoom &room : rooms(&isRead)) {
         if (!order.contains(room.name))
             order.append(room.name);
     }
+    if (!isRead)
+        return false;
     m_database.transaction();
     for (int position = 0; position < order.size(); ++position) {
         QSqlQuery query = prepared(QStringLiteral("UPDATE rooms SET position = ? WHERE name = ?"));

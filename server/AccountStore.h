@@ -62,7 +62,8 @@ public:
     [[nodiscard]] bool update(const Account &account); ///< by its id
     [[nodiscard]] bool remove(int id);
 
-    [[nodiscard]] QList<StoredRoom> rooms() const; ///< in their order
+    /// In their order. When they cannot all be read *isRead is false, and the log says why.
+    [[nodiscard]] QList<StoredRoom> rooms(bool *isRead = nullptr) const;
     [[nodiscard]] bool addRoom(const StoredRoom &room);
     [[nodiscard]] bool editRoom(const QString &oldName, const StoredRoom &room);
     [[nodiscard]] bool removeRoom(const QString &name);

@@ -111,7 +111,9 @@ private:
     [[nodiscard]] Room *findRoom(const QString &name) const;
     [[nodiscard]] QString roomsLine() const;
     [[nodiscard]] QJsonObject roomLimits() const;
-    void loadRooms();
+    [[nodiscard]] bool loadRooms();
+    void openRoom(const StoredRoom &stored);
+    [[nodiscard]] bool addRoom(const StoredRoom &room);
     void admit(Session &session, Room &room);
     void enter(Session &session, Room &room);
     void leaveRoom(Session &session);
@@ -146,6 +148,7 @@ private:
     void createRoom(Session &session, const Command &command);
     void editRoom(Session &session, const Command &command);
     void deleteRoom(Session &session, const Command &command);
+    [[nodiscard]] std::unique_ptr<Room> takeRoom(const Room &room);
     void moveOn(const Room &deleted, const QString &by);
     void setRoomOrder(Session &session, const Command &command);
 

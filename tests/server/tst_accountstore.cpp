@@ -1,4 +1,5 @@
 #include "server/AccountStore.h"
+#include "server/Command.h"
 #include "server/Passwords.h"
 #include "support/TestMain.h"
 
@@ -19,6 +20,7 @@ private slots:
     void makesAFileOnce();
     void bringsAnOlderFileUpToDate();
     void keepsRoomsInOrder();
+    void givesCleanNamesBack();
     void keepsSettings();
     void refusesWhatIsNoDatabase();
     void passwords();
@@ -147,6 +149,19 @@ void AccountStoreTest::keepsRoomsInOrder()
     QVERIFY(!store.editRoom(q("Alpha"), {q("Delta"), 7}));
     QVERIFY(store.removeRoom(q("Lobby")));
     QCOMPARE(names(), QStringList({q("Beta"), q("Gamma")}));
+}
+
+void AccountStoreTest::givesCleanNamesBack()
+{
+    AccountStore store;
+    QString error;
+    QVERIFY(store.open(q(":memory:"), &error));
+    const QString cutPair = QString(199, QLatin1Char('x')) + q("\xF0\x9F\x98\x80");
+    for (const QString &name : {QString(QChar(0xFEFF)) + q("Utara"), QString(QChar(0xFFFE)) + q("Selatan"),
+                                q("Timur") + QChar(0xFFFF), cutPair, QString(QChar(0xDE00)) + q("Barat")}) {
+        QVERIFY(store.addRoom({cleanName(name), 0}));
+        QCOMPARE(store.rooms().last().name, cleanName(name));
+    }
 }
 
 void AccountStoreTest::keepsSettings()

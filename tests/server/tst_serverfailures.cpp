@@ -13,6 +13,7 @@ private slots:
     void deedsThatCannotBeStored_data();
     void deedsThatCannotBeStored();
     void gatewaysLogInAllTheSame();
+    void roomsThatCannotBeReadStopTheStart();
     void whoDoesNotReadCostsNobodyElse();
 
 private:
@@ -117,6 +118,22 @@ void ServerFailuresTest::gatewaysLogInAllTheSame()
     QCOMPARE(log.count(q("YB1A could not be written")), 1);
     QVERIFY2(client->answer(q("USER_GET_PROFILE"), q("USER_PROFILE")).contains(q("\"registered_hwid\":\"\"")),
              "the device is not bound");
+}
+
+/// They are not taken for a new database, which gets the rooms of the options.
+void ServerFailuresTest::roomsThatCannotBeReadStopTheStart()
+{
+    ServerRig rig;
+    rig.execute(q("ALTER TABLE rooms RENAME TO kept"));
+    LogCapture log;
+    log.expectWarning(q("the database could not be read: "));
+    ControlServer server(&rig.store());
+    ControlServer::Options options;
+    options.rooms = QStringList(q("Lobby"));
+    QString error;
+    QVERIFY(!server.start(options, &error));
+    QCOMPARE(error, q("the rooms could not be read from the database"));
+    QVERIFY(!log.linesStartingWith(q("the database could not be read: ")).filter(q("no such table")).isEmpty());
 }
 
 /// A lost client leaves the lists that the server is walking through; the others are told each line once.
