@@ -6,8 +6,6 @@
 #include <QUuid>
 #include <QVariant>
 
-#include <functional>
-
 namespace {
 
 // Each step brings the file from one version to the next; user_version counts those that were taken.
@@ -203,6 +201,20 @@ bool AccountStore::update(const Account &account)
     bindAll(&query, account);
     query.addBindValue(account.id);
     return query.exec() && query.numRowsAffected() == 1;
+}
+
+AccountStore::Change AccountStore::change(const QString &callsign, const std::function<void(Account &)> &edit)
+{
+    QSqlQuery query(m_database);
+    if (!query.exec(QStringLiteral("BEGIN IMMEDIATE")))
+        return Change::Failed;
+    auto found = account(callsign);
+    if (found)
+        edit(*found);
+    if (found && update(*found) && query.exec(QStringLiteral("COMMIT")))
+        return Change::Done;
+    query.exec(QStringLiteral("ROLLBACK"));
+    return found ? Change::Failed : Change::NoAccount;
 }
 
 bool AccountStore::remove(int id)

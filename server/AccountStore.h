@@ -7,6 +7,7 @@
 #include <QString>
 #include <QStringList>
 
+#include <functional>
 #include <optional>
 
 class QSqlQuery;
@@ -47,6 +48,8 @@ struct StoredRoom
 class AccountStore final
 {
 public:
+    enum class Change { Done, NoAccount, Failed };
+
     AccountStore();
     ~AccountStore();
     Q_DISABLE_COPY_MOVE(AccountStore)
@@ -61,6 +64,8 @@ public:
     [[nodiscard]] bool add(Account *account);
     [[nodiscard]] bool update(const Account &account); ///< by its id
     [[nodiscard]] bool remove(int id);
+    /// Reads and writes the account in one step, so that nothing is undone which another program writes at that time.
+    [[nodiscard]] Change change(const QString &callsign, const std::function<void(Account &)> &edit);
 
     /// In their order. When they cannot all be read *isRead is false, and the log says why.
     [[nodiscard]] QList<StoredRoom> rooms(bool *isRead = nullptr) const;

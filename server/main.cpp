@@ -50,11 +50,18 @@ int addUser(AccountStore *store, const QString &callsign, const QCommandLinePars
 
 int edit(AccountStore *store, const QString &callsign, const std::function<void(Account &)> &change)
 {
-    auto account = store->account(callsign.toUpper());
-    if (!account)
-        return complain(QStringLiteral("there is no account ") + callsign.toUpper());
-    change(*account);
-    return store->update(*account) ? 0 : complain(QStringLiteral("the account could not be written"));
+    switch (store->change(callsign.toUpper(), change)) {
+    case AccountStore::Change::Done: return 0;
+    case AccountStore::Change::NoAccount: return complain(QStringLiteral("there is no account ") + callsign.toUpper());
+    case AccountStore::Change::Failed: break;
+    }
+    return complain(QStringLiteral("the account could not be written"));
+}
+
+int setPassword(AccountStore *store, const QString &callsign, const QCommandLineParser &parser)
+{
+    const QByteArray hash = Passwords::hash(passwordFrom(parser)); // whoever is asked takes his time
+    return edit(store, callsign, [&hash](Account &account) { account.passwordHash = hash; });
 }
 
 int listUsers(const AccountStore &store)
@@ -73,7 +80,7 @@ int runCommand(AccountStore *store, const QCommandLineParser &parser)
     if (word == QLatin1String("add-user"))
         return addUser(store, callsign, parser);
     if (word == QLatin1String("set-password"))
-        return edit(store, callsign, [&](Account &a) { a.passwordHash = Passwords::hash(passwordFrom(parser)); });
+        return setPassword(store, callsign, parser);
     if (word == QLatin1String("make-admin"))
         return edit(store, callsign, [](Account &a) { a.admin = true; });
     if (word == QLatin1String("list-users"))

@@ -17,6 +17,7 @@ class AccountStoreTest final : public QObject
 
 private slots:
     void keepsAccounts();
+    void changesAnAccountInOneStep();
     void makesAFileOnce();
     void bringsAnOlderFileUpToDate();
     void keepsRoomsInOrder();
@@ -70,6 +71,29 @@ void AccountStoreTest::keepsAccounts()
     QVERIFY(store.remove(account.id));
     QVERIFY(!store.remove(account.id));
     QVERIFY(store.accounts().isEmpty());
+}
+
+void AccountStoreTest::changesAnAccountInOneStep()
+{
+    const QTemporaryDir folder;
+    QString error;
+    AccountStore store;
+    AccountStore other;
+    QVERIFY2(store.open(folder.filePath(q("club.sqlite")), &error), qPrintable(error));
+    QVERIFY2(other.open(folder.filePath(q("club.sqlite")), &error), qPrintable(error));
+    Account account;
+    account.callsign = q("YB1A");
+    account.passwordHash = "hash";
+    QVERIFY(store.add(&account));
+    account.status = q("banned");
+    QVERIFY(other.update(account));
+    const auto promote = [](Account &changed) { changed.admin = true; };
+    QCOMPARE(store.change(q("YB1A"), promote), AccountStore::Change::Done);
+    const auto read = other.account(q("YB1A"));
+    QVERIFY(read && read->admin);
+    QCOMPARE(read->status, q("banned"));
+    QCOMPARE(store.change(q("YB9Z"), promote), AccountStore::Change::NoAccount);
+    QVERIFY2(other.update(account), "the file is free again");
 }
 
 void AccountStoreTest::makesAFileOnce()
