@@ -187,7 +187,7 @@ void ControlServer::changePassword(Session &session, const Command &command)
     } else if (command.argument(1).size() < kShortestPassword) {
         fail(QStringLiteral("Password minimal %1 karakter").arg(kShortestPassword));
     } else if (!Passwords::fitsLogin(command.argument(1))) {
-        fail(QStringLiteral("Password tidak boleh berisi spasi"));
+        fail(QStringLiteral("Password tidak boleh berisi spasi atau tanda kutip"));
     } else {
         account.passwordHash = Passwords::hash(command.argument(1));
         if (account.passwordHash.isEmpty() || !store(account)) {

@@ -339,7 +339,7 @@ void ControlServer::resetPassword(Session &session, const Command &command)
     }
     const QByteArray hash = Passwords::fitsLogin(password) ? Passwords::hash(password) : QByteArray();
     if (hash.isEmpty()) {
-        session.send(QStringLiteral("ERROR|Password tidak boleh berisi spasi"));
+        session.send(QStringLiteral("ERROR|Password tidak boleh berisi spasi atau tanda kutip"));
         return;
     }
     account->passwordHash = hash;

@@ -34,6 +34,22 @@ QString passwordFrom(const QCommandLineParser &parser)
     return QTextStream(stdin).readLine();
 }
 
+/// The hash of a password with which somebody can log in; empty, after a complaint, of any other.
+QByteArray hashFrom(const QCommandLineParser &parser)
+{
+    const QString password = passwordFrom(parser);
+    if (password.isEmpty() || !Passwords::fitsLogin(password)) {
+        complain(password.isEmpty()
+                     ? QStringLiteral("a password has at least one character")
+                     : QStringLiteral("a password has no blanks and no quotes: nobody could log in with it"));
+        return {};
+    }
+    const QByteArray hash = Passwords::hash(password);
+    if (hash.isEmpty())
+        complain(QStringLiteral("not enough memory for the password"));
+    return hash;
+}
+
 int addUser(AccountStore *store, const QString &callsign, const QCommandLineParser &parser)
 {
     Account account;
@@ -42,9 +58,11 @@ int addUser(AccountStore *store, const QString &callsign, const QCommandLinePars
     account.name =
         cleanName(parser.isSet(QStringLiteral("name")) ? parser.value(QStringLiteral("name")) : account.callsign);
     account.approved = true; // whoever runs this has decided
-    account.passwordHash = Passwords::hash(passwordFrom(parser));
     if (account.callsign.isEmpty() || account.callsign.contains(QLatin1Char(' ')))
         return complain(QStringLiteral("a callsign is one word"));
+    account.passwordHash = hashFrom(parser);
+    if (account.passwordHash.isEmpty())
+        return 1;
     return store->add(&account) ? 0 : complain(account.callsign + QStringLiteral(" is there already"));
 }
 
@@ -60,7 +78,9 @@ int edit(AccountStore *store, const QString &callsign, const std::function<void(
 
 int setPassword(AccountStore *store, const QString &callsign, const QCommandLineParser &parser)
 {
-    const QByteArray hash = Passwords::hash(passwordFrom(parser)); // whoever is asked takes his time
+    const QByteArray hash = hashFrom(parser); // whoever is asked takes his time
+    if (hash.isEmpty())
+        return 1;
     return edit(store, callsign, [&hash](Account &account) { account.passwordHash = hash; });
 }
 

@@ -33,6 +33,8 @@ private slots:
     void servesTheFilesOfTheOperator();
     void helpNamesEveryOption();
     void passwordIsChangedAlone();
+    void unusablePasswords_data();
+    void unusablePasswords();
     void commandsWithoutAnAccount();
     void listsUsers();
 
@@ -302,6 +304,40 @@ void ServerProgramTest::passwordIsChangedAlone()
     QVERIFY(changed);
     QCOMPARE(changed->status, q("banned"));
     QVERIFY(Passwords::matches(changed->passwordHash, q("newsecret")));
+}
+
+void ServerProgramTest::unusablePasswords_data()
+{
+    QTest::addColumn<QString>("password");
+    QTest::addColumn<QString>("complaint");
+    const QString unusable = q("a password has no blanks and no quotes: nobody could log in with it");
+    QTest::newRow("empty") << q("") << q("a password has at least one character");
+    QTest::newRow("two words") << q("dua kata") << unusable;
+    QTest::newRow("tab") << q("dua\tkata") << unusable;
+    QTest::newRow("quote in front") << q("\"kata") << unusable;
+    QTest::newRow("quote inside") << q("ka\"ta") << unusable;
+}
+
+void ServerProgramTest::unusablePasswords()
+{
+    QFETCH(QString, password);
+    QFETCH(QString, complaint);
+    QVERIFY(command({q("add-user"), q("YB1A"), q("--password"), q("secret")}));
+    const auto before = account("YB1A");
+    QVERIFY(before);
+    for (const QStringList &words :
+         {QStringList{q("add-user"), q("YB2B")}, QStringList{q("set-password"), q("YB1A")}}) {
+        QVERIFY(!command(words + QStringList{q("--password"), password}));
+        QCOMPARE(m_program->exitCode(), 1);
+        QCOMPARE(m_program->lastLine(q("evox-server: ")), q("evox-server: ") + complaint);
+        QVERIFY(beginCommand(words));
+        m_program->write(password.toUtf8() + '\n');
+        QVERIFY(m_program->waitForEnd());
+        QCOMPARE(m_program->exitCode(), 1);
+        QVERIFY(m_program->log().value(0).endsWith(complaint)); // behind the prompt
+    }
+    QVERIFY(!account("YB2B"));
+    QCOMPARE(account("YB1A")->passwordHash, before->passwordHash);
 }
 
 void ServerProgramTest::commandsWithoutAnAccount()
