@@ -59,7 +59,12 @@ void ControlServer::login(Session &session, const Command &command)
         return;
     }
     const QString hwid = command.argument(2).left(kLongestHwid).trimmed();
-    auto account = m_store->account(command.argument(0).toUpper());
+    bool isRead = false;
+    auto account = m_store->account(command.argument(0).toUpper(), &isRead);
+    if (!isRead) { // no guess
+        refuse(QStringLiteral("Akun tidak dapat dibaca, coba lagi nanti"));
+        return;
+    }
     const QString refusal =
         account ? refusalFor(&*account, command.argument(1), hwid) : QStringLiteral("Callsign tidak terdaftar");
     if (!refusal.isEmpty()) {
@@ -126,12 +131,13 @@ void ControlServer::watchPermits()
     const QDate today = m_today();
     if (today == m_permitsSeen)
         return;
-    bool areAllWritten = true;
-    for (const Account &account : m_store->accounts()) {
+    bool isDone = false;
+    const QList<Account> accounts = m_store->accounts(&isDone);
+    for (const Account &account : accounts) {
         if (account.mayLogIn() && Permit::hasEnded(account, today))
-            areAllWritten = suspend(account) && areAllWritten;
+            isDone = suspend(account) && isDone;
     }
-    if (areAllWritten)
+    if (isDone)
         m_permitsSeen = today;
 }
 
@@ -160,9 +166,10 @@ void ControlServer::sendProfile(Session &session)
 
 void ControlServer::getInfo(Session &session, const Command &command)
 {
-    const auto account = m_store->account(command.argument(0).toUpper());
+    bool isRead = false;
+    const auto account = m_store->account(command.argument(0).toUpper(), &isRead);
     if (!account) {
-        session.send(QStringLiteral("ERROR|Callsign tidak ditemukan"));
+        session.send(isRead ? QStringLiteral("ERROR|Callsign tidak ditemukan") : Answers::kNotRead);
         return;
     }
     QJsonObject record = userRecord(*account, sessionOf(account->id) != nullptr);
@@ -206,17 +213,19 @@ void ControlServer::requestDeviceReset(Session &session, const Command &command)
         return;
     }
     const QString callsign = session.isLoggedIn() ? session.account().callsign : command.argument(0).toUpper();
-    auto account = m_store->account(callsign);
+    bool isRead = false;
+    auto account = m_store->account(callsign, &isRead);
     if (!session.isLoggedIn())
         m_guard.count(session.address(), m_clock()); // anybody may ask, but not without end
-    if (account && !account->resetRequested) {
+    const bool isNew = account && !account->resetRequested;
+    if (isNew)
         account->resetRequested = true;
-        if (!store(*account)) {
-            session.send(Answers::kNotStored);
-            return;
-        }
-        sendToAdmins(resetRequest(*account));
+    if (!isRead || (isNew && !store(*account))) {
+        session.send(Answers::kNotStored);
+        return;
     }
+    if (isNew)
+        sendToAdmins(resetRequest(*account));
     session.send(QStringLiteral("USER_REQUEST_HWID_RESET_OK"));
 }
 

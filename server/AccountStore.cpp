@@ -73,18 +73,26 @@ Account fromRow(const QSqlQuery &query)
     return a;
 }
 
-/// Runs a query that reads, and hands each row on. False, with the reason in the log, when it does not come to its end.
-bool readRows(QSqlQuery *query, const std::function<void()> &take)
+/// Runs a query that reads, and hands each row on.
+void readRows(QSqlQuery *query, bool *isRead, const std::function<void()> &take)
 {
     const bool isPrepared = !query->lastError().isValid();
     if (isPrepared && query->exec()) {
         while (query->next())
             take();
     }
-    if (!query->lastError().isValid())
-        return true;
-    qWarning().noquote() << "the database could not be read:" << query->lastError().text();
-    return false;
+    const QSqlError error = query->lastError();
+    if (error.isValid())
+        qWarning().noquote() << "the database could not be read:" << error.text();
+    if (isRead)
+        *isRead = !error.isValid();
+}
+
+std::optional<Account> readAccount(QSqlQuery *query, bool *isRead)
+{
+    std::optional<Account> account;
+    readRows(query, isRead, [&] { account = fromRow(*query); });
+    return account;
 }
 
 } // namespace
@@ -151,34 +159,25 @@ QSqlQuery AccountStore::prepared(const QString &sql) const
     return query;
 }
 
-std::optional<Account> AccountStore::first(QSqlQuery *query) const
-{
-    if (!query->exec() || !query->next())
-        return std::nullopt;
-    return fromRow(*query);
-}
-
-std::optional<Account> AccountStore::account(const QString &callsign) const
+std::optional<Account> AccountStore::account(const QString &callsign, bool *isRead) const
 {
     QSqlQuery query = prepared(QStringLiteral("SELECT id, %1 FROM accounts WHERE callsign = ?").arg(kColumns));
     query.addBindValue(callsign);
-    return first(&query);
+    return readAccount(&query, isRead);
 }
 
-std::optional<Account> AccountStore::account(int id) const
+std::optional<Account> AccountStore::account(int id, bool *isRead) const
 {
     QSqlQuery query = prepared(QStringLiteral("SELECT id, %1 FROM accounts WHERE id = ?").arg(kColumns));
     query.addBindValue(id);
-    return first(&query);
+    return readAccount(&query, isRead);
 }
 
-QList<Account> AccountStore::accounts() const
+QList<Account> AccountStore::accounts(bool *isRead) const
 {
     QList<Account> all;
     QSqlQuery query = prepared(QStringLiteral("SELECT id, %1 FROM accounts ORDER BY id").arg(kColumns));
-    query.exec();
-    while (query.next())
-        all.append(fromRow(query));
+    readRows(&query, isRead, [&] { all.append(fromRow(query)); });
     return all;
 }
 
@@ -208,13 +207,14 @@ AccountStore::Change AccountStore::change(const QString &callsign, const std::fu
     QSqlQuery query(m_database);
     if (!query.exec(QStringLiteral("BEGIN IMMEDIATE")))
         return Change::Failed;
-    auto found = account(callsign);
+    bool isRead = false;
+    auto found = account(callsign, &isRead);
     if (found)
         edit(*found);
     if (found && update(*found) && query.exec(QStringLiteral("COMMIT")))
         return Change::Done;
     query.exec(QStringLiteral("ROLLBACK"));
-    return found ? Change::Failed : Change::NoAccount;
+    return found || !isRead ? Change::Failed : Change::NoAccount;
 }
 
 bool AccountStore::remove(int id)
@@ -228,9 +228,7 @@ QList<StoredRoom> AccountStore::rooms(bool *isRead) const
 {
     QList<StoredRoom> all;
     QSqlQuery query = prepared(QStringLiteral("SELECT name, maximum FROM rooms ORDER BY position, name"));
-    const bool isComplete = readRows(&query, [&] { all.append({query.value(0).toString(), query.value(1).toInt()}); });
-    if (isRead)
-        *isRead = isComplete;
+    readRows(&query, isRead, [&] { all.append({query.value(0).toString(), query.value(1).toInt()}); });
     return all;
 }
 
@@ -286,7 +284,9 @@ QString AccountStore::setting(const QString &key) const
 {
     QSqlQuery query = prepared(QStringLiteral("SELECT value FROM settings WHERE key = ?"));
     query.addBindValue(key);
-    return query.exec() && query.next() ? query.value(0).toString() : QString();
+    QString value;
+    readRows(&query, nullptr, [&] { value = query.value(0).toString(); });
+    return value;
 }
 
 bool AccountStore::setSetting(const QString &key, const QString &value)

@@ -16,6 +16,7 @@
 
 #include <functional>
 #include <memory>
+#include <optional>
 #include <vector>
 
 class Command;
@@ -123,6 +124,8 @@ private:
     void sendUserList(const Room &room);
 
     // AdminCommands.cpp
+    [[nodiscard]] std::optional<Account> accountFor(Session &session, const Command &command);
+    void sendUsers(Session &session, const QString &word, bool (*isWanted)(const Account &));
     void allUsers(Session &session, const Command &command);
     void pendingUsers(Session &session, const Command &command);
     void approve(Session &session, const Command &command);

@@ -8,6 +8,12 @@
 
 #include <QDebug>
 
+namespace {
+
+const QString kNotStored = QStringLiteral("Pendaftaran tidak dapat disimpan, coba lagi nanti");
+
+} // namespace
+
 void ControlServer::registerGateway(Session &session, const Command &command)
 {
     const bool byAdmin = session.isLoggedIn() && session.account().admin;
@@ -39,12 +45,15 @@ QString ControlServer::enroll(const Command &command)
     if (!registration.refusal.isEmpty())
         return registration.refusal;
     Account &account = registration.account;
-    if (m_store->account(account.callsign))
+    bool isRead = false;
+    if (m_store->account(account.callsign, &isRead))
         return QStringLiteral("Callsign sudah terdaftar");
+    if (!isRead)
+        return kNotStored;
     account.passwordHash = Passwords::hash(registration.password);
     account.status = m_autoApprove ? QStringLiteral("active") : QStringLiteral("pending");
     account.approved = m_autoApprove;
     if (account.passwordHash.isEmpty() || !m_store->add(&account))
-        return QStringLiteral("Pendaftaran tidak dapat disimpan, coba lagi nanti");
+        return kNotStored;
     return {};
 }

@@ -73,7 +73,7 @@ int edit(AccountStore *store, const QString &callsign, const std::function<void(
     case AccountStore::Change::NoAccount: return complain(QStringLiteral("there is no account ") + callsign.toUpper());
     case AccountStore::Change::Failed: break;
     }
-    return complain(QStringLiteral("the account could not be written"));
+    return complain(QStringLiteral("the account could not be changed"));
 }
 
 int setPassword(AccountStore *store, const QString &callsign, const QCommandLineParser &parser)
@@ -86,8 +86,12 @@ int setPassword(AccountStore *store, const QString &callsign, const QCommandLine
 
 int listUsers(const AccountStore &store)
 {
+    bool isRead = false;
+    const QList<Account> accounts = store.accounts(&isRead);
+    if (!isRead)
+        return complain(QStringLiteral("the accounts could not be read"));
     QTextStream out(stdout);
-    for (const Account &account : store.accounts())
+    for (const Account &account : accounts)
         out << account.id << '\t' << account.callsign << '\t' << account.name << '\t' << account.status << '\t'
             << (account.approved ? "approved" : "not approved") << '\t' << (account.admin ? "admin" : "") << '\n';
     return 0;

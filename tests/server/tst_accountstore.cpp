@@ -1,6 +1,7 @@
 #include "server/AccountStore.h"
 #include "server/Command.h"
 #include "server/Passwords.h"
+#include "support/LogCapture.h"
 #include "support/TestMain.h"
 
 #include <QFile>
@@ -18,6 +19,7 @@ class AccountStoreTest final : public QObject
 private slots:
     void keepsAccounts();
     void changesAnAccountInOneStep();
+    void tellsAReadThatFails();
     void makesAFileOnce();
     void bringsAnOlderFileUpToDate();
     void keepsRoomsInOrder();
@@ -32,6 +34,20 @@ namespace {
 QString q(const char *text)
 {
     return QString::fromUtf8(text);
+}
+
+/// Past the store.
+void execute(const QString &path, const QStringList &statements)
+{
+    {
+        QSqlDatabase raw = QSqlDatabase::addDatabase(q("QSQLITE"), q("raw"));
+        raw.setDatabaseName(path);
+        QVERIFY(raw.open());
+        QSqlQuery query(raw);
+        for (const QString &statement : statements)
+            QVERIFY2(query.exec(statement), qPrintable(statement));
+    }
+    QSqlDatabase::removeDatabase(q("raw"));
 }
 
 } // namespace
@@ -96,6 +112,37 @@ void AccountStoreTest::changesAnAccountInOneStep()
     QVERIFY2(other.update(account), "the file is free again");
 }
 
+/// Also when it fails after some rows.
+void AccountStoreTest::tellsAReadThatFails()
+{
+    const QTemporaryDir folder;
+    const QString path = folder.filePath(q("club.sqlite"));
+    QString error;
+    AccountStore store;
+    QVERIFY2(store.open(path, &error), qPrintable(error));
+    Account account;
+    account.passwordHash = "hash";
+    for (const char *callsign : {"YB1A", "YB2B", "YB3C"}) {
+        account.callsign = q(callsign);
+        QVERIFY(store.add(&account));
+    }
+    execute(path, {q("ALTER TABLE accounts RENAME TO kept"),
+                   q("CREATE VIEW accounts AS SELECT id, callsign, password_hash, gateway_name, name, "
+                     "responsible_callsign, frequency, location, email, whatsapp, status, approved, admin, expiry, "
+                     "CASE id WHEN 2 THEN abs(-9223372036854775806 - id) ELSE hwid END AS hwid, reset_requested, "
+                     "last_login, muted FROM kept")});
+    LogCapture log;
+    log.expectWarning(q("the database could not be read: "));
+    bool isRead = true;
+    QCOMPARE(store.accounts(&isRead).size(), 1);
+    QVERIFY(!isRead);
+    QVERIFY(!store.account(2, &isRead) && !isRead);
+    QCOMPARE(log.count(q("the database could not be read: ")), 2);
+    QVERIFY(store.account(3, &isRead) && isRead);
+    QVERIFY2(!store.account(9, &isRead) && isRead, "there is none, and that is no failure");
+    QCOMPARE(store.change(q("YB2B"), [](Account &) {}), AccountStore::Change::Failed);
+}
+
 void AccountStoreTest::makesAFileOnce()
 {
     constexpr int kFiles = 20;
@@ -129,15 +176,7 @@ void AccountStoreTest::bringsAnOlderFileUpToDate()
         QVERIFY2(store.open(path, &error), qPrintable(error));
         QVERIFY(store.add(&account));
     }
-    {
-        QSqlDatabase raw = QSqlDatabase::addDatabase(q("QSQLITE"), q("raw"));
-        raw.setDatabaseName(path);
-        QVERIFY(raw.open());
-        QSqlQuery query(raw);
-        QVERIFY(query.exec(q("ALTER TABLE accounts DROP COLUMN muted")));
-        QVERIFY(query.exec(q("PRAGMA user_version = 1")));
-    }
-    QSqlDatabase::removeDatabase(q("raw"));
+    execute(path, {q("ALTER TABLE accounts DROP COLUMN muted"), q("PRAGMA user_version = 1")});
     {
         AccountStore store;
         QVERIFY2(store.open(path, &error), qPrintable(error));
