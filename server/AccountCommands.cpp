@@ -96,16 +96,27 @@ QString ControlServer::refusalFor(Account *account, const QString &password, con
     return {};
 }
 
+/// The account of this connection goes to a newer one, of the device with that identifier.
+void ControlServer::takeOver(Session &old, const QString &hwid)
+{
+    if (old.hwid() != hwid) {
+        removeFromRoom(old, QStringLiteral("KICKED|Akun dipakai di perangkat baru"));
+    } else if (m_clock() - old.heardAt() < kSignOfLife) {
+        // Another program on the device, or on one with the same identifier. Were it only closed, it would come back by
+        // itself and take the account again, and so would this one, for ever; a client that is told so asks its
+        // operator.
+        removeFromRoom(old, QStringLiteral("KICKED|Akun login lagi dari program lain"));
+    } else { // it died unnoticed
+        showOut(old);
+        signOff(old);
+        old.close();
+    }
+}
+
 void ControlServer::completeLogin(Session &session, Account account, const QString &hwid)
 {
-    Session *old = sessionOf(account.id);
-    if (old && old->hwid() != hwid) {
-        removeFromRoom(*old, QStringLiteral("KICKED|Akun dipakai di perangkat baru"));
-    } else if (old) { // the same device again: its old connection died unnoticed
-        showOut(*old);
-        signOff(*old);
-        old->close();
-    }
+    if (Session *old = sessionOf(account.id))
+        takeOver(*old, hwid);
     const Account before = account;
     if (account.hwid.isEmpty())
         account.hwid = hwid;

@@ -99,6 +99,7 @@ void ControlServer::onNewConnection()
 
 void ControlServer::onLine(Session &session, const QString &line)
 {
+    session.setHeardAt(m_clock());
     const Command command(line);
     const Row row = commandTable().value(command.word());
     if (!row.handler)

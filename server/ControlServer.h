@@ -39,6 +39,9 @@ public:
     };
     /// How long one talker may hold a room.
     static constexpr qint64 kTalkLimit = 300000; // milliseconds
+    /// From a program that runs comes a PING every 5 s. One that has lost its connection waits 13 s before it comes
+    /// back.
+    static constexpr qint64 kSignOfLife = 12000; // milliseconds
 
     /// The store is open and outlives the server.
     explicit ControlServer(AccountStore *store, QObject *parent = nullptr);
@@ -87,6 +90,7 @@ private:
     void login(Session &session, const Command &command);
     [[nodiscard]] QString refusalFor(Account *account, const QString &password, const QString &hwid);
     [[nodiscard]] bool suspend(Account account);
+    void takeOver(Session &old, const QString &hwid);
     void completeLogin(Session &session, Account account, const QString &hwid);
     void getProfile(Session &session, const Command &command);
     void sendProfile(Session &session);
