@@ -181,6 +181,14 @@ QList<Account> AccountStore::accounts(bool *isRead) const
     return all;
 }
 
+std::optional<int> AccountStore::pendingCount() const
+{
+    std::optional<int> count;
+    QSqlQuery query = prepared(QStringLiteral("SELECT COUNT(*) FROM accounts WHERE status = 'pending'"));
+    readRows(&query, nullptr, [&] { count = query.value(0).toInt(); });
+    return count;
+}
+
 bool AccountStore::add(Account *account)
 {
     QSqlQuery query =

@@ -61,6 +61,8 @@ public:
     [[nodiscard]] std::optional<Account> account(const QString &callsign, bool *isRead = nullptr) const;
     [[nodiscard]] std::optional<Account> account(int id, bool *isRead = nullptr) const;
     [[nodiscard]] QList<Account> accounts(bool *isRead = nullptr) const; ///< by id
+    /// How many are "pending"; nothing where they cannot be counted.
+    [[nodiscard]] std::optional<int> pendingCount() const;
     /// Adds the account and sets its id; false when the callsign is taken.
     [[nodiscard]] bool add(Account *account);
     [[nodiscard]] bool update(const Account &account); ///< by its id

@@ -37,11 +37,14 @@ public:
         QStringList rooms;                      ///< made in a database that has none
         bool autoApprove = false;               ///< gateways that register may transmit at once
     };
-    /// How long one talker may hold a room.
-    static constexpr qint64 kTalkLimit = 300000; // milliseconds
     /// From a program that runs comes a PING every 5 s. One that has lost its connection waits 13 s before it comes
     /// back.
     static constexpr qint64 kSignOfLife = 12000; // milliseconds
+    /// How many gateways may wait for an administrator: more than a club can have, and a list that he can still read.
+    /// Without a bound, strangers could fill the disk.
+    static constexpr int kMostPending = 500;
+    /// How long one talker may hold a room.
+    static constexpr qint64 kTalkLimit = 300000; // milliseconds
 
     /// The store is open and outlives the server.
     explicit ControlServer(AccountStore *store, QObject *parent = nullptr);
@@ -105,6 +108,7 @@ private:
     // RegistrationCommands.cpp
     void registerGateway(Session &session, const Command &command);
     [[nodiscard]] bool mayRegister(const Session &session);
+    [[nodiscard]] QString registrationRefusal(const Session &session);
     [[nodiscard]] QString enroll(const Command &command);
 
     // RoomCommands.cpp

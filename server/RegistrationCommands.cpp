@@ -17,9 +17,9 @@ const QString kNotStored = QStringLiteral("Pendaftaran tidak dapat disimpan, cob
 void ControlServer::registerGateway(Session &session, const Command &command)
 {
     const bool byAdmin = session.isLoggedIn() && session.account().admin;
-    const QString refusal = byAdmin || mayRegister(session)
-                                ? enroll(command)
-                                : QStringLiteral("Terlalu banyak pendaftaran, coba lagi nanti");
+    QString refusal = byAdmin ? QString() : registrationRefusal(session);
+    if (refusal.isEmpty())
+        refusal = enroll(command);
     if (!refusal.isEmpty()) {
         session.send(QStringLiteral("REGISTER_FAILED|") + refusal);
         return;
@@ -36,6 +36,19 @@ bool ControlServer::mayRegister(const Session &session)
     if (may)
         m_registrationGuard.count(session.address(), m_clock());
     return may;
+}
+
+/// Why a stranger may not apply now; empty when he may.
+QString ControlServer::registrationRefusal(const Session &session)
+{
+    if (!mayRegister(session))
+        return QStringLiteral("Terlalu banyak pendaftaran, coba lagi nanti");
+    const auto pending = m_store->pendingCount();
+    if (!pending)
+        return kNotStored;
+    return *pending < kMostPending
+               ? QString()
+               : QStringLiteral("Terlalu banyak pendaftaran yang menunggu persetujuan, coba lagi nanti");
 }
 
 /// Adds the account; the reason, in the words that the applicant reads, when it cannot be had.
