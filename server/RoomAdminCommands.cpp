@@ -87,8 +87,10 @@ void ControlServer::editRoom(Session &session, const Command &command)
 void ControlServer::deleteRoom(Session &session, const Command &command)
 {
     const Room *room = findRoom(command.argument(0));
-    if (!room || !m_store->removeRoom(room->name)) {
-        session.send(room ? kNotStored : kUnknownRoom);
+    const bool isLast = room && m_rooms.size() == 1; // there would be nowhere to go for its members
+    if (!room || isLast || !m_store->removeRoom(room->name)) {
+        session.send(isLast ? QStringLiteral("ERROR|Room terakhir tidak dapat dihapus")
+                            : (room ? kNotStored : kUnknownRoom));
         return;
     }
     const std::unique_ptr<Room> deleted = takeRoom(*room);
@@ -115,22 +117,19 @@ std::unique_ptr<Room> ControlServer::takeRoom(const Room &room)
     return taken;
 }
 
-/// The members of a room that is no more: each into the first room that has place, so that a gateway which nobody
-/// attends stays on the air.
+/// The members of a room that is no more: each into the first room that has place, else into the first of all, full or
+/// not. A gateway which nobody attends stays on the air by it, and a client that was only told that it left would go on
+/// showing the old room.
 void ControlServer::moveOn(const Room &deleted, const QString &by)
 {
     QVector<const Room *> entered;
     for (Session *member : deleted.members) {
         const auto free = std::find_if(m_rooms.cbegin(), m_rooms.cend(), [](const auto &r) { return !r->isFull(); });
-        if (free == m_rooms.cend()) {
-            member->send(deleted.emptyUserList());
-            member->send(QStringLiteral("LEAVE_OK"));
-            continue;
-        }
-        member->send((*free)->movedLine(by));
-        admit(*member, **free);
-        if (!entered.contains(free->get()))
-            entered.append(free->get());
+        Room &room = free == m_rooms.cend() ? *m_rooms.front() : **free;
+        member->send(room.movedLine(by));
+        admit(*member, room);
+        if (!entered.contains(&room))
+            entered.append(&room);
     }
     for (const Room *room : entered)
         sendUserList(*room);
