@@ -59,7 +59,12 @@ void ControlServer::login(Session &session, const Command &command)
         return;
     }
     const QString hwid = command.argument(2).left(kLongestHwid).trimmed();
-    auto account = m_store->account(command.argument(0).toUpper());
+    bool isRead = false;
+    auto account = m_store->account(command.argument(0).toUpper(), &isRead);
+    if (!isRead) { // no guess
+        refuse(QStringLiteral("Akun tidak dapat dibaca, coba lagi nanti"));
+        return;
+    }
     const QString refusal =
         account ? refusalFor(&*account, command.argument(1), hwid) : QStringLiteral("Callsign tidak terdaftar");
     if (!refusal.isEmpty()) {
@@ -91,16 +96,27 @@ QString ControlServer::refusalFor(Account *account, const QString &password, con
     return {};
 }
 
+/// The account of this connection goes to a newer one, of the device with that identifier.
+void ControlServer::takeOver(Session &old, const QString &hwid)
+{
+    if (old.hwid() != hwid) {
+        removeFromRoom(old, QStringLiteral("KICKED|Akun dipakai di perangkat baru"));
+    } else if (m_clock() - old.heardAt() < kSignOfLife) {
+        // Another program on the device, or on one with the same identifier. Were it only closed, it would come back by
+        // itself and take the account again, and so would this one, for ever; a client that is told so asks its
+        // operator.
+        removeFromRoom(old, QStringLiteral("KICKED|Akun login lagi dari program lain"));
+    } else { // it died unnoticed
+        showOut(old);
+        signOff(old);
+        old.close();
+    }
+}
+
 void ControlServer::completeLogin(Session &session, Account account, const QString &hwid)
 {
-    Session *old = sessionOf(account.id);
-    if (old && old->hwid() != hwid) {
-        removeFromRoom(*old, QStringLiteral("KICKED|Akun dipakai di perangkat baru"));
-    } else if (old) { // the same device again: its old connection died unnoticed
-        showOut(*old);
-        signOff(*old);
-        old->close();
-    }
+    if (Session *old = sessionOf(account.id))
+        takeOver(*old, hwid);
     const Account before = account;
     if (account.hwid.isEmpty())
         account.hwid = hwid;
@@ -126,12 +142,13 @@ void ControlServer::watchPermits()
     const QDate today = m_today();
     if (today == m_permitsSeen)
         return;
-    bool areAllWritten = true;
-    for (const Account &account : m_store->accounts()) {
+    bool isDone = false;
+    const QList<Account> accounts = m_store->accounts(&isDone);
+    for (const Account &account : accounts) {
         if (account.mayLogIn() && Permit::hasEnded(account, today))
-            areAllWritten = suspend(account) && areAllWritten;
+            isDone = suspend(account) && isDone;
     }
-    if (areAllWritten)
+    if (isDone)
         m_permitsSeen = today;
 }
 
@@ -160,9 +177,10 @@ void ControlServer::sendProfile(Session &session)
 
 void ControlServer::getInfo(Session &session, const Command &command)
 {
-    const auto account = m_store->account(command.argument(0).toUpper());
+    bool isRead = false;
+    const auto account = m_store->account(command.argument(0).toUpper(), &isRead);
     if (!account) {
-        session.send(QStringLiteral("ERROR|Callsign tidak ditemukan"));
+        session.send(isRead ? QStringLiteral("ERROR|Callsign tidak ditemukan") : Answers::kNotRead);
         return;
     }
     QJsonObject record = userRecord(*account, sessionOf(account->id) != nullptr);
@@ -187,7 +205,7 @@ void ControlServer::changePassword(Session &session, const Command &command)
     } else if (command.argument(1).size() < kShortestPassword) {
         fail(QStringLiteral("Password minimal %1 karakter").arg(kShortestPassword));
     } else if (!Passwords::fitsLogin(command.argument(1))) {
-        fail(QStringLiteral("Password tidak boleh berisi spasi"));
+        fail(QStringLiteral("Password tidak boleh berisi spasi atau tanda kutip"));
     } else {
         account.passwordHash = Passwords::hash(command.argument(1));
         if (account.passwordHash.isEmpty() || !store(account)) {
@@ -206,17 +224,19 @@ void ControlServer::requestDeviceReset(Session &session, const Command &command)
         return;
     }
     const QString callsign = session.isLoggedIn() ? session.account().callsign : command.argument(0).toUpper();
-    auto account = m_store->account(callsign);
+    bool isRead = false;
+    auto account = m_store->account(callsign, &isRead);
     if (!session.isLoggedIn())
         m_guard.count(session.address(), m_clock()); // anybody may ask, but not without end
-    if (account && !account->resetRequested) {
+    const bool isNew = account && !account->resetRequested;
+    if (isNew)
         account->resetRequested = true;
-        if (!store(*account)) {
-            session.send(Answers::kNotStored);
-            return;
-        }
-        sendToAdmins(resetRequest(*account));
+    if (!isRead || (isNew && !store(*account))) {
+        session.send(Answers::kNotStored);
+        return;
     }
+    if (isNew)
+        sendToAdmins(resetRequest(*account));
     session.send(QStringLiteral("USER_REQUEST_HWID_RESET_OK"));
 }
 

@@ -1,5 +1,6 @@
 #include "server/AccountStore.h"
 
+#include <QDebug>
 #include <QSqlError>
 #include <QSqlQuery>
 #include <QUuid>
@@ -72,6 +73,28 @@ Account fromRow(const QSqlQuery &query)
     return a;
 }
 
+/// Runs a query that reads, and hands each row on.
+void readRows(QSqlQuery *query, bool *isRead, const std::function<void()> &take)
+{
+    const bool isPrepared = !query->lastError().isValid();
+    if (isPrepared && query->exec()) {
+        while (query->next())
+            take();
+    }
+    const QSqlError error = query->lastError();
+    if (error.isValid())
+        qWarning().noquote() << "the database could not be read:" << error.text();
+    if (isRead)
+        *isRead = !error.isValid();
+}
+
+std::optional<Account> readAccount(QSqlQuery *query, bool *isRead)
+{
+    std::optional<Account> account;
+    readRows(query, isRead, [&] { account = fromRow(*query); });
+    return account;
+}
+
 } // namespace
 
 bool Account::mayLogIn() const
@@ -136,35 +159,34 @@ QSqlQuery AccountStore::prepared(const QString &sql) const
     return query;
 }
 
-std::optional<Account> AccountStore::first(QSqlQuery *query) const
-{
-    if (!query->exec() || !query->next())
-        return std::nullopt;
-    return fromRow(*query);
-}
-
-std::optional<Account> AccountStore::account(const QString &callsign) const
+std::optional<Account> AccountStore::account(const QString &callsign, bool *isRead) const
 {
     QSqlQuery query = prepared(QStringLiteral("SELECT id, %1 FROM accounts WHERE callsign = ?").arg(kColumns));
     query.addBindValue(callsign);
-    return first(&query);
+    return readAccount(&query, isRead);
 }
 
-std::optional<Account> AccountStore::account(int id) const
+std::optional<Account> AccountStore::account(int id, bool *isRead) const
 {
     QSqlQuery query = prepared(QStringLiteral("SELECT id, %1 FROM accounts WHERE id = ?").arg(kColumns));
     query.addBindValue(id);
-    return first(&query);
+    return readAccount(&query, isRead);
 }
 
-QList<Account> AccountStore::accounts() const
+QList<Account> AccountStore::accounts(bool *isRead) const
 {
     QList<Account> all;
     QSqlQuery query = prepared(QStringLiteral("SELECT id, %1 FROM accounts ORDER BY id").arg(kColumns));
-    query.exec();
-    while (query.next())
-        all.append(fromRow(query));
+    readRows(&query, isRead, [&] { all.append(fromRow(query)); });
     return all;
+}
+
+std::optional<int> AccountStore::pendingCount() const
+{
+    std::optional<int> count;
+    QSqlQuery query = prepared(QStringLiteral("SELECT COUNT(*) FROM accounts WHERE status = 'pending'"));
+    readRows(&query, nullptr, [&] { count = query.value(0).toInt(); });
+    return count;
 }
 
 bool AccountStore::add(Account *account)
@@ -188,6 +210,21 @@ bool AccountStore::update(const Account &account)
     return query.exec() && query.numRowsAffected() == 1;
 }
 
+AccountStore::Change AccountStore::change(const QString &callsign, const std::function<void(Account &)> &edit)
+{
+    QSqlQuery query(m_database);
+    if (!query.exec(QStringLiteral("BEGIN IMMEDIATE")))
+        return Change::Failed;
+    bool isRead = false;
+    auto found = account(callsign, &isRead);
+    if (found)
+        edit(*found);
+    if (found && update(*found) && query.exec(QStringLiteral("COMMIT")))
+        return Change::Done;
+    query.exec(QStringLiteral("ROLLBACK"));
+    return found || !isRead ? Change::Failed : Change::NoAccount;
+}
+
 bool AccountStore::remove(int id)
 {
     QSqlQuery query = prepared(QStringLiteral("DELETE FROM accounts WHERE id = ?"));
@@ -195,13 +232,11 @@ bool AccountStore::remove(int id)
     return query.exec() && query.numRowsAffected() == 1;
 }
 
-QList<StoredRoom> AccountStore::rooms() const
+QList<StoredRoom> AccountStore::rooms(bool *isRead) const
 {
     QList<StoredRoom> all;
     QSqlQuery query = prepared(QStringLiteral("SELECT name, maximum FROM rooms ORDER BY position, name"));
-    query.exec();
-    while (query.next())
-        all.append({query.value(0).toString(), query.value(1).toInt()});
+    readRows(&query, isRead, [&] { all.append({query.value(0).toString(), query.value(1).toInt()}); });
     return all;
 }
 
@@ -233,10 +268,13 @@ bool AccountStore::removeRoom(const QString &name)
 bool AccountStore::setRoomOrder(const QStringList &names)
 {
     QStringList order = names;
-    for (const StoredRoom &room : rooms()) {
+    bool isRead = false;
+    for (const StoredRoom &room : rooms(&isRead)) {
         if (!order.contains(room.name))
             order.append(room.name);
     }
+    if (!isRead)
+        return false;
     m_database.transaction();
     for (int position = 0; position < order.size(); ++position) {
         QSqlQuery query = prepared(QStringLiteral("UPDATE rooms SET position = ? WHERE name = ?"));
@@ -254,7 +292,9 @@ QString AccountStore::setting(const QString &key) const
 {
     QSqlQuery query = prepared(QStringLiteral("SELECT value FROM settings WHERE key = ?"));
     query.addBindValue(key);
-    return query.exec() && query.next() ? query.value(0).toString() : QString();
+    QString value;
+    readRows(&query, nullptr, [&] { value = query.value(0).toString(); });
+    return value;
 }
 
 bool AccountStore::setSetting(const QString &key, const QString &value)

@@ -7,6 +7,7 @@
 #include <QString>
 #include <QStringList>
 
+#include <functional>
 #include <optional>
 
 class QSqlQuery;
@@ -43,10 +44,13 @@ struct StoredRoom
     int maximum = 0; ///< members; 0: no limit
 };
 
-/// Accounts, rooms and settings in one SQLite file. Every call reads or writes it at once.
+/// Accounts, rooms and settings in one SQLite file. Every call reads or writes it at once. When it cannot be read to
+/// the end *isRead is false, and the log says why.
 class AccountStore final
 {
 public:
+    enum class Change { Done, NoAccount, Failed };
+
     AccountStore();
     ~AccountStore();
     Q_DISABLE_COPY_MOVE(AccountStore)
@@ -54,15 +58,19 @@ public:
     /// Opens or creates the file and brings its tables up to date; otherwise says why not.
     [[nodiscard]] bool open(const QString &path, QString *error);
 
-    [[nodiscard]] std::optional<Account> account(const QString &callsign) const;
-    [[nodiscard]] std::optional<Account> account(int id) const;
-    [[nodiscard]] QList<Account> accounts() const; ///< by id
+    [[nodiscard]] std::optional<Account> account(const QString &callsign, bool *isRead = nullptr) const;
+    [[nodiscard]] std::optional<Account> account(int id, bool *isRead = nullptr) const;
+    [[nodiscard]] QList<Account> accounts(bool *isRead = nullptr) const; ///< by id
+    /// How many are "pending"; nothing where they cannot be counted.
+    [[nodiscard]] std::optional<int> pendingCount() const;
     /// Adds the account and sets its id; false when the callsign is taken.
     [[nodiscard]] bool add(Account *account);
     [[nodiscard]] bool update(const Account &account); ///< by its id
     [[nodiscard]] bool remove(int id);
+    /// Reads and writes the account in one step, so that nothing is undone which another program writes at that time.
+    [[nodiscard]] Change change(const QString &callsign, const std::function<void(Account &)> &edit);
 
-    [[nodiscard]] QList<StoredRoom> rooms() const; ///< in their order
+    [[nodiscard]] QList<StoredRoom> rooms(bool *isRead = nullptr) const; ///< in their order
     [[nodiscard]] bool addRoom(const StoredRoom &room);
     [[nodiscard]] bool editRoom(const QString &oldName, const StoredRoom &room);
     [[nodiscard]] bool removeRoom(const QString &name);
@@ -75,7 +83,6 @@ public:
 private:
     [[nodiscard]] bool migrate(QString *error);
     [[nodiscard]] QSqlQuery prepared(const QString &sql) const;
-    [[nodiscard]] std::optional<Account> first(QSqlQuery *query) const;
 
     QString m_connection;
     QSqlDatabase m_database;

@@ -118,26 +118,42 @@ bool ControlServer::store(const Account &account)
     return true;
 }
 
+/// The account whose id the command begins with; nothing, after the answer that says so, when it cannot be had.
+std::optional<Account> ControlServer::accountFor(Session &session, const Command &command)
+{
+    bool isRead = false;
+    auto account = m_store->account(command.number(0), &isRead);
+    if (!account)
+        session.send(isRead ? kUnknownUser : kNotRead);
+    return account;
+}
+
+void ControlServer::sendUsers(Session &session, const QString &word, bool (*isWanted)(const Account &))
+{
+    bool isRead = false;
+    const QList<Account> accounts = m_store->accounts(&isRead);
+    if (!isRead) {
+        session.send(kNotRead);
+        return;
+    }
+    QJsonArray users;
+    for (const Account &account : accounts) {
+        if (isWanted(account))
+            users.append(userRecord(account, sessionOf(account.id) != nullptr));
+    }
+    session.send(word + QLatin1Char('|') + QString::fromUtf8(QJsonDocument(users).toJson(QJsonDocument::Compact)));
+}
+
 void ControlServer::allUsers(Session &session, const Command &command)
 {
     Q_UNUSED(command)
-    QJsonArray users;
-    for (const Account &account : m_store->accounts())
-        users.append(userRecord(account, sessionOf(account.id) != nullptr));
-    session.send(QStringLiteral("ADMIN_ALL_USERS|") +
-                 QString::fromUtf8(QJsonDocument(users).toJson(QJsonDocument::Compact)));
+    sendUsers(session, QStringLiteral("ADMIN_ALL_USERS"), [](const Account &) { return true; });
 }
 
 void ControlServer::pendingUsers(Session &session, const Command &command)
 {
     Q_UNUSED(command)
-    QJsonArray users;
-    for (const Account &account : m_store->accounts()) {
-        if (isWaiting(account))
-            users.append(userRecord(account, sessionOf(account.id) != nullptr));
-    }
-    session.send(QStringLiteral("ADMIN_PENDING|") +
-                 QString::fromUtf8(QJsonDocument(users).toJson(QJsonDocument::Compact)));
+    sendUsers(session, QStringLiteral("ADMIN_PENDING"), isWaiting);
 }
 
 void ControlServer::approve(Session &session, const Command &command)
@@ -152,11 +168,9 @@ void ControlServer::unapprove(Session &session, const Command &command)
 
 void ControlServer::setApproved(Session &session, const Command &command, bool approved)
 {
-    auto account = m_store->account(command.number(0));
-    if (!account) {
-        session.send(kUnknownUser);
+    auto account = accountFor(session, command);
+    if (!account)
         return;
-    }
     account->approved = approved;
     if (approved && account->status == QLatin1String("pending"))
         account->status = QStringLiteral("active");
@@ -202,11 +216,9 @@ bool ControlServer::isOwnAccount(Session &session, const Account &account)
 
 void ControlServer::ban(Session &session, const Command &command)
 {
-    auto account = m_store->account(command.number(0));
-    if (!account) {
-        session.send(kUnknownUser);
+    auto account = accountFor(session, command);
+    if (!account)
         return;
-    }
     if (isOwnAccount(session, *account))
         return;
     account->status = QStringLiteral("banned");
@@ -224,11 +236,9 @@ void ControlServer::ban(Session &session, const Command &command)
 /// Kept with the account: whoever is muted is so after his next login as well.
 void ControlServer::mute(Session &session, const Command &command)
 {
-    auto account = m_store->account(command.number(0));
-    if (!account) {
-        session.send(kUnknownUser);
+    auto account = accountFor(session, command);
+    if (!account)
         return;
-    }
     const auto muted = command.numberWithin(1, 0, 1);
     if (!muted) {
         session.send(QStringLiteral("ERROR|Nilai mute harus 0 atau 1"));
@@ -272,10 +282,13 @@ void ControlServer::move(Session &session, const Command &command)
 /// Two forms: with 11 arguments an account's own record, with 12 an administrator's edit of any.
 void ControlServer::updateUser(Session &session, const Command &command)
 {
-    auto account = m_store->account(command.number(0));
+    bool isRead = false;
+    auto account = m_store->account(command.number(0), &isRead);
     const bool ownForm = command.count() == kOwnFormArguments;
     const bool isOwn = account && account->id == session.account().id;
-    if (!session.account().admin && (!isOwn || !ownForm)) {
+    if (!isRead) {
+        session.send(kNotRead);
+    } else if (!session.account().admin && (!isOwn || !ownForm)) {
         session.send(kAdminsOnly); // to a member also of an id that nobody has
     } else if (!account) {
         session.send(kUnknownUser);
@@ -314,11 +327,9 @@ void ControlServer::finishUpdate(Session &session, const Account &account)
 
 void ControlServer::resetDevice(Session &session, const Command &command)
 {
-    auto account = m_store->account(command.number(0));
-    if (!account) {
-        session.send(kUnknownUser);
+    auto account = accountFor(session, command);
+    if (!account)
         return;
-    }
     account->hwid.clear();
     account->resetRequested = false;
     if (!store(*account)) {
@@ -331,15 +342,17 @@ void ControlServer::resetDevice(Session &session, const Command &command)
 
 void ControlServer::resetPassword(Session &session, const Command &command)
 {
-    auto account = m_store->account(command.number(0));
+    auto account = accountFor(session, command);
+    if (!account)
+        return;
     const QString password = command.argument(1);
-    if (!account || password.isEmpty()) {
-        session.send(account ? QStringLiteral("ERROR|Password tidak boleh kosong") : kUnknownUser);
+    if (password.isEmpty()) {
+        session.send(QStringLiteral("ERROR|Password tidak boleh kosong"));
         return;
     }
     const QByteArray hash = Passwords::fitsLogin(password) ? Passwords::hash(password) : QByteArray();
     if (hash.isEmpty()) {
-        session.send(QStringLiteral("ERROR|Password tidak boleh berisi spasi"));
+        session.send(QStringLiteral("ERROR|Password tidak boleh berisi spasi atau tanda kutip"));
         return;
     }
     account->passwordHash = hash;
@@ -353,11 +366,11 @@ void ControlServer::resetPassword(Session &session, const Command &command)
 
 void ControlServer::deleteUser(Session &session, const Command &command)
 {
-    const auto account = m_store->account(command.number(0));
-    if (account && isOwnAccount(session, *account))
+    const auto account = accountFor(session, command);
+    if (!account || isOwnAccount(session, *account))
         return;
-    if (!account || !m_store->remove(account->id)) {
-        session.send(account ? kNotStored : kUnknownUser);
+    if (!m_store->remove(account->id)) {
+        session.send(kNotStored);
         return;
     }
     audit(session, QStringLiteral("deleted ") + account->callsign);

@@ -10,5 +10,6 @@ inline const QString kNotOnline = QStringLiteral("ERROR|User tidak online");
 inline const QString kUnknownRoom = QStringLiteral("ERROR|Room tidak ditemukan");
 inline const QString kAdminsOnly = QStringLiteral("ERROR|Hanya untuk administrator");
 inline const QString kNotStored = QStringLiteral("ERROR|Perubahan tidak dapat disimpan");
+inline const QString kNotRead = QStringLiteral("ERROR|Data tidak dapat dibaca");
 
 } // namespace Answers

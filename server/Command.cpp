@@ -1,5 +1,7 @@
 #include "server/Command.h"
 
+#include <QVector>
+
 Command::Command(const QString &line)
     : m_line(line)
 {
@@ -48,23 +50,41 @@ QString Command::rest(int index) const
 
 namespace {
 
-QString without(const QString &separators, QString text)
+constexpr uint kByteOrderMark = 0xFEFF; // the database takes it off the beginning of a text
+
+/// Not between the two halves of one character.
+QString cut(const QString &text, int maximumLength)
 {
-    for (QChar &character : text) {
-        if (character.category() == QChar::Other_Control || separators.contains(character))
-            character = QLatin1Char(' ');
+    const bool isSplit = text.size() > maximumLength && text.at(maximumLength).isLowSurrogate();
+    return text.left(isSplit ? maximumLength - 1 : maximumLength);
+}
+
+/// What the database does not give back as it was, or no terminal and no list shows.
+bool isUnfit(uint character)
+{
+    return QChar::category(character) == QChar::Other_Control || QChar::isNonCharacter(character) ||
+           character == kByteOrderMark;
+}
+
+QString without(const QString &separators, const QString &text)
+{
+    const QVector<uint> unwanted = separators.toUcs4();
+    QVector<uint> characters = text.toUcs4(); // a half without the other is U+FFFD from here on
+    for (uint &character : characters) {
+        if (isUnfit(character) || unwanted.contains(character))
+            character = ' ';
     }
-    return text.simplified();
+    return QString::fromUcs4(characters.constData(), characters.size()).simplified();
 }
 
 } // namespace
 
 QString cleanText(const QString &text, int maximumLength)
 {
-    return without(QStringLiteral("|\""), text.left(maximumLength));
+    return without(QStringLiteral("|\""), cut(text, maximumLength));
 }
 
 QString cleanName(const QString &text, int maximumLength)
 {
-    return without(QStringLiteral("|,;\""), text.left(maximumLength));
+    return without(QStringLiteral("|,;\""), cut(text, maximumLength));
 }

@@ -32,8 +32,8 @@ private:
     QList<int> m_starts; ///< where each argument begins in the line
 };
 
-/// A text from outside, fit for one field of a line: "|", quotes and control characters become blanks, and it is cut to
-/// the length.
+/// A text from outside, fit for one field of a line and for the database, which gives it back as it is: "|", quotes,
+/// control characters and what is no character become blanks, and it is cut to the length.
 [[nodiscard]] QString cleanText(const QString &text, int maximumLength = 200);
 /// What is fit as well for the lists that are separated by "," and ";": callsigns and the names of people, gateways and
 /// rooms.

@@ -53,7 +53,10 @@ ControlServer::~ControlServer()
 
 bool ControlServer::start(const Options &options, QString *error)
 {
-    loadRooms();
+    if (!loadRooms()) {
+        *error = QStringLiteral("the rooms could not be read from the database");
+        return false;
+    }
     if (m_rooms.empty() && !makeRooms(options.rooms)) {
         *error = QStringLiteral("the rooms could not be written to the database");
         return false;
@@ -72,9 +75,8 @@ bool ControlServer::makeRooms(const QStringList &names)
 {
     for (const QString &name : names) {
         const QString clean = cleanName(name);
-        if (!clean.isEmpty() && !findRoom(clean) && !m_store->addRoom({clean, 0}))
+        if (!clean.isEmpty() && !findRoom(clean) && !addRoom({clean, 0}))
             return false;
-        loadRooms();
     }
     return true;
 }
@@ -97,6 +99,7 @@ void ControlServer::onNewConnection()
 
 void ControlServer::onLine(Session &session, const QString &line)
 {
+    session.setHeardAt(m_clock());
     const Command command(line);
     const Row row = commandTable().value(command.word());
     if (!row.handler)

@@ -16,6 +16,7 @@
 
 #include <functional>
 #include <memory>
+#include <optional>
 #include <vector>
 
 class Command;
@@ -36,6 +37,12 @@ public:
         QStringList rooms;                      ///< made in a database that has none
         bool autoApprove = false;               ///< gateways that register may transmit at once
     };
+    /// From a program that runs comes a PING every 5 s. One that has lost its connection waits 13 s before it comes
+    /// back.
+    static constexpr qint64 kSignOfLife = 12000; // milliseconds
+    /// How many gateways may wait for an administrator: more than a club can have, and a list that he can still read.
+    /// Without a bound, strangers could fill the disk.
+    static constexpr int kMostPending = 500;
     /// How long one talker may hold a room.
     static constexpr qint64 kTalkLimit = 300000; // milliseconds
 
@@ -86,6 +93,7 @@ private:
     void login(Session &session, const Command &command);
     [[nodiscard]] QString refusalFor(Account *account, const QString &password, const QString &hwid);
     [[nodiscard]] bool suspend(Account account);
+    void takeOver(Session &old, const QString &hwid);
     void completeLogin(Session &session, Account account, const QString &hwid);
     void getProfile(Session &session, const Command &command);
     void sendProfile(Session &session);
@@ -100,6 +108,7 @@ private:
     // RegistrationCommands.cpp
     void registerGateway(Session &session, const Command &command);
     [[nodiscard]] bool mayRegister(const Session &session);
+    [[nodiscard]] QString registrationRefusal(const Session &session);
     [[nodiscard]] QString enroll(const Command &command);
 
     // RoomCommands.cpp
@@ -111,7 +120,9 @@ private:
     [[nodiscard]] Room *findRoom(const QString &name) const;
     [[nodiscard]] QString roomsLine() const;
     [[nodiscard]] QJsonObject roomLimits() const;
-    void loadRooms();
+    [[nodiscard]] bool loadRooms();
+    void openRoom(const StoredRoom &stored);
+    [[nodiscard]] bool addRoom(const StoredRoom &room);
     void admit(Session &session, Room &room);
     void enter(Session &session, Room &room);
     void leaveRoom(Session &session);
@@ -121,6 +132,8 @@ private:
     void sendUserList(const Room &room);
 
     // AdminCommands.cpp
+    [[nodiscard]] std::optional<Account> accountFor(Session &session, const Command &command);
+    void sendUsers(Session &session, const QString &word, bool (*isWanted)(const Account &));
     void allUsers(Session &session, const Command &command);
     void pendingUsers(Session &session, const Command &command);
     void approve(Session &session, const Command &command);
@@ -146,6 +159,7 @@ private:
     void createRoom(Session &session, const Command &command);
     void editRoom(Session &session, const Command &command);
     void deleteRoom(Session &session, const Command &command);
+    [[nodiscard]] std::unique_ptr<Room> takeRoom(const Room &room);
     void moveOn(const Room &deleted, const QString &by);
     void setRoomOrder(Session &session, const Command &command);
 

@@ -37,7 +37,7 @@ QByteArray randomBytes(int count)
 bool fitsLogin(const QString &password)
 {
     return std::none_of(password.cbegin(), password.cend(), [](QChar character) {
-        return character.isSpace() || character.category() == QChar::Other_Control;
+        return character.isSpace() || character == QLatin1Char('"') || character.category() == QChar::Other_Control;
     });
 }
 

@@ -12,7 +12,8 @@ namespace Passwords {
 [[nodiscard]] QByteArray hash(const QString &password);
 [[nodiscard]] bool matches(const QByteArray &hash, const QString &password);
 [[nodiscard]] QByteArray randomBytes(int count);
-/// Passwords travel unquoted when somebody logs in, so that one with a blank could never be used.
+/// Passwords travel unquoted when somebody logs in and quoted when he changes his own, so that one with a blank or a
+/// quote could never be used.
 [[nodiscard]] bool fitsLogin(const QString &password);
 
 } // namespace Passwords

@@ -80,7 +80,7 @@ QString refusalOf(const Account &account, const QString &password, const QDate &
     if (!account.responsibleCallsign.isEmpty() && !matches(account.responsibleCallsign, "Y[B-H][0-9][A-Z]{2,4}"))
         return QStringLiteral("Format callsign penanggung jawab tidak valid");
     if (!Passwords::fitsLogin(password))
-        return QStringLiteral("Password tidak boleh berisi spasi");
+        return QStringLiteral("Password tidak boleh berisi spasi atau tanda kutip");
     if (!account.email.isEmpty() && !matches(account.email, "[^@\\s]+@[^@\\s]+"))
         return QStringLiteral("Format email tidak valid");
     if (!isNone(account.whatsapp) && !matches(account.whatsapp, "[0-9 +-]*[0-9][0-9 +-]*"))

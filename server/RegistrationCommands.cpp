@@ -8,12 +8,18 @@
 
 #include <QDebug>
 
+namespace {
+
+const QString kNotStored = QStringLiteral("Pendaftaran tidak dapat disimpan, coba lagi nanti");
+
+} // namespace
+
 void ControlServer::registerGateway(Session &session, const Command &command)
 {
     const bool byAdmin = session.isLoggedIn() && session.account().admin;
-    const QString refusal = byAdmin || mayRegister(session)
-                                ? enroll(command)
-                                : QStringLiteral("Terlalu banyak pendaftaran, coba lagi nanti");
+    QString refusal = byAdmin ? QString() : registrationRefusal(session);
+    if (refusal.isEmpty())
+        refusal = enroll(command);
     if (!refusal.isEmpty()) {
         session.send(QStringLiteral("REGISTER_FAILED|") + refusal);
         return;
@@ -32,6 +38,19 @@ bool ControlServer::mayRegister(const Session &session)
     return may;
 }
 
+/// Why a stranger may not apply now; empty when he may.
+QString ControlServer::registrationRefusal(const Session &session)
+{
+    if (!mayRegister(session))
+        return QStringLiteral("Terlalu banyak pendaftaran, coba lagi nanti");
+    const auto pending = m_store->pendingCount();
+    if (!pending)
+        return kNotStored;
+    return *pending < kMostPending
+               ? QString()
+               : QStringLiteral("Terlalu banyak pendaftaran yang menunggu persetujuan, coba lagi nanti");
+}
+
 /// Adds the account; the reason, in the words that the applicant reads, when it cannot be had.
 QString ControlServer::enroll(const Command &command)
 {
@@ -39,12 +58,15 @@ QString ControlServer::enroll(const Command &command)
     if (!registration.refusal.isEmpty())
         return registration.refusal;
     Account &account = registration.account;
-    if (m_store->account(account.callsign))
+    bool isRead = false;
+    if (m_store->account(account.callsign, &isRead))
         return QStringLiteral("Callsign sudah terdaftar");
+    if (!isRead)
+        return kNotStored;
     account.passwordHash = Passwords::hash(registration.password);
     account.status = m_autoApprove ? QStringLiteral("active") : QStringLiteral("pending");
     account.approved = m_autoApprove;
     if (account.passwordHash.isEmpty() || !m_store->add(&account))
-        return QStringLiteral("Pendaftaran tidak dapat disimpan, coba lagi nanti");
+        return kNotStored;
     return {};
 }

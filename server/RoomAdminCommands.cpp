@@ -42,11 +42,10 @@ void ControlServer::createRoom(Session &session, const Command &command)
         session.send(name.isEmpty() ? QStringLiteral("ERROR|Nama room tidak boleh kosong") : kWrongMaximum);
         return;
     }
-    if (findRoom(name) || !m_store->addRoom({name, *maximum})) {
+    if (findRoom(name) || !addRoom({name, *maximum})) {
         session.send(findRoom(name) ? QStringLiteral("ERROR|Room sudah ada") : kNotStored);
         return;
     }
-    loadRooms();
     audit(session, QStringLiteral("created the room ") + name);
     session.send(QStringLiteral("ADMIN_CREATE_ROOM_OK|") + name);
     sendToAll(roomsLine());
@@ -70,6 +69,7 @@ void ControlServer::editRoom(Session &session, const Command &command)
     const QVector<Session *> members = room->members;
     audit(session,
           QStringLiteral("edited the room %1: %2, at most %3").arg(room->name, name, QString::number(*maximum)));
+    room->maximum = *maximum;
     if (name != room->name) {
         releaseTalk(*room);
         room->name = name;
@@ -79,7 +79,6 @@ void ControlServer::editRoom(Session &session, const Command &command)
             member->send(QStringLiteral("JOIN_OK|%1|%2").arg(name, QString::fromLatin1(room->key.toBase64())));
         sendUserList(*room);
     }
-    loadRooms();
     session.send(QStringLiteral("ADMIN_EDIT_ROOM_OK|") + name);
     sendToAll(roomsLine());
     sendServerInfo();
@@ -87,42 +86,50 @@ void ControlServer::editRoom(Session &session, const Command &command)
 
 void ControlServer::deleteRoom(Session &session, const Command &command)
 {
-    Room *room = findRoom(command.argument(0));
-    if (!room || !m_store->removeRoom(room->name)) {
-        session.send(room ? kNotStored : kUnknownRoom);
+    const Room *room = findRoom(command.argument(0));
+    const bool isLast = room && m_rooms.size() == 1; // there would be nowhere to go for its members
+    if (!room || isLast || !m_store->removeRoom(room->name)) {
+        session.send(isLast ? QStringLiteral("ERROR|Room terakhir tidak dapat dihapus")
+                            : (room ? kNotStored : kUnknownRoom));
         return;
     }
-    const Room deleted = *room;
-    const QString &name = deleted.name;
-    releaseTalk(*room);
-    for (Session *member : deleted.members) {
+    const std::unique_ptr<Room> deleted = takeRoom(*room);
+    const QString &name = deleted->name;
+    releaseTalk(*deleted);
+    for (Session *member : qAsConst(deleted->members)) {
         member->setRoom(nullptr);
         m_relay.setRoom(member->account().id, {});
     }
-    loadRooms(); // the room is gone from here on
-    moveOn(deleted, session.account().callsign);
+    moveOn(*deleted, session.account().callsign);
     audit(session, QStringLiteral("deleted the room ") + name);
     session.send(QStringLiteral("ADMIN_DELETE_ROOM_OK|") + name);
     sendToAll(roomsLine());
     sendServerInfo();
 }
 
-/// The members of a room that is no more: each into the first room that has place, so that a gateway which nobody
-/// attends stays on the air.
+/// From here on it is not one of the rooms, though its members still point to it.
+std::unique_ptr<Room> ControlServer::takeRoom(const Room &room)
+{
+    const auto found =
+        std::find_if(m_rooms.begin(), m_rooms.end(), [&room](const auto &r) { return r.get() == &room; });
+    std::unique_ptr<Room> taken = std::move(*found);
+    m_rooms.erase(found);
+    return taken;
+}
+
+/// The members of a room that is no more: each into the first room that has place, else into the first of all, full or
+/// not. A gateway which nobody attends stays on the air by it, and a client that was only told that it left would go on
+/// showing the old room.
 void ControlServer::moveOn(const Room &deleted, const QString &by)
 {
     QVector<const Room *> entered;
     for (Session *member : deleted.members) {
         const auto free = std::find_if(m_rooms.cbegin(), m_rooms.cend(), [](const auto &r) { return !r->isFull(); });
-        if (free == m_rooms.cend()) {
-            member->send(deleted.emptyUserList());
-            member->send(QStringLiteral("LEAVE_OK"));
-            continue;
-        }
-        member->send((*free)->movedLine(by));
-        admit(*member, **free);
-        if (!entered.contains(free->get()))
-            entered.append(free->get());
+        Room &room = free == m_rooms.cend() ? *m_rooms.front() : **free;
+        member->send(room.movedLine(by));
+        admit(*member, room);
+        if (!entered.contains(&room))
+            entered.append(&room);
     }
     for (const Room *room : entered)
         sendUserList(*room);
@@ -138,7 +145,12 @@ void ControlServer::setRoomOrder(Session &session, const Command &command)
         session.send(QStringLiteral("ERROR|Urutan room tidak dapat disimpan"));
         return;
     }
-    loadRooms();
+    const auto place = [&order](const auto &room) {
+        const int index = order.indexOf(room->name);
+        return index < 0 ? order.size() : index;
+    };
+    std::stable_sort(m_rooms.begin(), m_rooms.end(),
+                     [place](const auto &a, const auto &b) { return place(a) < place(b); });
     audit(session, QStringLiteral("ordered the rooms"));
     session.send(QStringLiteral("ADMIN_SET_ROOM_ORDER_OK"));
     sendToAll(roomsLine());

@@ -15,24 +15,33 @@ QString keyText(const Room &room)
 
 } // namespace
 
-void ControlServer::loadRooms()
+/// Once, at the start. Afterwards each change is made in both places: members hold on to their room, whatever the
+/// database says about it then.
+bool ControlServer::loadRooms()
 {
-    std::vector<std::unique_ptr<Room>> loaded;
-    for (const StoredRoom &stored : m_store->rooms()) {
-        std::unique_ptr<Room> room;
-        for (auto &old : m_rooms) {
-            if (old && old->name == stored.name)
-                room = std::move(old);
-        }
-        if (!room) {
-            room = std::make_unique<Room>();
-            room->name = stored.name;
-            room->renewKey();
-        }
-        room->maximum = stored.maximum;
-        loaded.push_back(std::move(room));
-    }
-    m_rooms = std::move(loaded);
+    bool isRead = false;
+    const QList<StoredRoom> stored = m_store->rooms(&isRead);
+    for (const StoredRoom &room : stored)
+        openRoom(room);
+    return isRead;
+}
+
+void ControlServer::openRoom(const StoredRoom &stored)
+{
+    auto room = std::make_unique<Room>();
+    room->name = stored.name;
+    room->maximum = stored.maximum;
+    room->renewKey();
+    m_rooms.push_back(std::move(room));
+}
+
+/// False when the database does not take it.
+bool ControlServer::addRoom(const StoredRoom &room)
+{
+    const bool isStored = m_store->addRoom(room);
+    if (isStored)
+        openRoom(room);
+    return isStored;
 }
 
 Room *ControlServer::findRoom(const QString &name) const

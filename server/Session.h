@@ -30,6 +30,9 @@ public:
     [[nodiscard]] const Account &account() const { return m_account; }
     [[nodiscard]] QString hwid() const { return m_hwid; }
     [[nodiscard]] Room *room() const { return m_room; }
+    /// When its last line came, on the server's clock.
+    [[nodiscard]] qint64 heardAt() const { return m_heardAt; }
+    void setHeardAt(qint64 time) { m_heardAt = time; }
 
     void logIn(const Account &account, const QString &hwid);
     void logOut() { m_account = {}; }
@@ -54,6 +57,7 @@ private:
     Account m_account;
     QString m_hwid;
     Room *m_room = nullptr;
+    qint64 m_heardAt = 0; ///< milliseconds
     QElapsedTimer m_clock;
     double m_credit = kBurst; ///< lines that may still come at once
     bool m_isDropped = false; ///< it reads too little; its connection is about to end

@@ -34,6 +34,22 @@ QString passwordFrom(const QCommandLineParser &parser)
     return QTextStream(stdin).readLine();
 }
 
+/// The hash of a password with which somebody can log in; empty, after a complaint, of any other.
+QByteArray hashFrom(const QCommandLineParser &parser)
+{
+    const QString password = passwordFrom(parser);
+    if (password.isEmpty() || !Passwords::fitsLogin(password)) {
+        complain(password.isEmpty()
+                     ? QStringLiteral("a password has at least one character")
+                     : QStringLiteral("a password has no blanks and no quotes: nobody could log in with it"));
+        return {};
+    }
+    const QByteArray hash = Passwords::hash(password);
+    if (hash.isEmpty())
+        complain(QStringLiteral("not enough memory for the password"));
+    return hash;
+}
+
 int addUser(AccountStore *store, const QString &callsign, const QCommandLineParser &parser)
 {
     Account account;
@@ -42,25 +58,40 @@ int addUser(AccountStore *store, const QString &callsign, const QCommandLinePars
     account.name =
         cleanName(parser.isSet(QStringLiteral("name")) ? parser.value(QStringLiteral("name")) : account.callsign);
     account.approved = true; // whoever runs this has decided
-    account.passwordHash = Passwords::hash(passwordFrom(parser));
     if (account.callsign.isEmpty() || account.callsign.contains(QLatin1Char(' ')))
         return complain(QStringLiteral("a callsign is one word"));
+    account.passwordHash = hashFrom(parser);
+    if (account.passwordHash.isEmpty())
+        return 1;
     return store->add(&account) ? 0 : complain(account.callsign + QStringLiteral(" is there already"));
 }
 
 int edit(AccountStore *store, const QString &callsign, const std::function<void(Account &)> &change)
 {
-    auto account = store->account(callsign.toUpper());
-    if (!account)
-        return complain(QStringLiteral("there is no account ") + callsign.toUpper());
-    change(*account);
-    return store->update(*account) ? 0 : complain(QStringLiteral("the account could not be written"));
+    switch (store->change(callsign.toUpper(), change)) {
+    case AccountStore::Change::Done: return 0;
+    case AccountStore::Change::NoAccount: return complain(QStringLiteral("there is no account ") + callsign.toUpper());
+    case AccountStore::Change::Failed: break;
+    }
+    return complain(QStringLiteral("the account could not be changed"));
+}
+
+int setPassword(AccountStore *store, const QString &callsign, const QCommandLineParser &parser)
+{
+    const QByteArray hash = hashFrom(parser); // whoever is asked takes his time
+    if (hash.isEmpty())
+        return 1;
+    return edit(store, callsign, [&hash](Account &account) { account.passwordHash = hash; });
 }
 
 int listUsers(const AccountStore &store)
 {
+    bool isRead = false;
+    const QList<Account> accounts = store.accounts(&isRead);
+    if (!isRead)
+        return complain(QStringLiteral("the accounts could not be read"));
     QTextStream out(stdout);
-    for (const Account &account : store.accounts())
+    for (const Account &account : accounts)
         out << account.id << '\t' << account.callsign << '\t' << account.name << '\t' << account.status << '\t'
             << (account.approved ? "approved" : "not approved") << '\t' << (account.admin ? "admin" : "") << '\n';
     return 0;
@@ -73,7 +104,7 @@ int runCommand(AccountStore *store, const QCommandLineParser &parser)
     if (word == QLatin1String("add-user"))
         return addUser(store, callsign, parser);
     if (word == QLatin1String("set-password"))
-        return edit(store, callsign, [&](Account &a) { a.passwordHash = Passwords::hash(passwordFrom(parser)); });
+        return setPassword(store, callsign, parser);
     if (word == QLatin1String("make-admin"))
         return edit(store, callsign, [](Account &a) { a.admin = true; });
     if (word == QLatin1String("list-users"))

@@ -1,5 +1,7 @@
 #include "server/AccountStore.h"
+#include "server/Command.h"
 #include "server/Passwords.h"
+#include "support/LogCapture.h"
 #include "support/TestMain.h"
 
 #include <QFile>
@@ -16,9 +18,12 @@ class AccountStoreTest final : public QObject
 
 private slots:
     void keepsAccounts();
+    void changesAnAccountInOneStep();
+    void tellsAReadThatFails();
     void makesAFileOnce();
     void bringsAnOlderFileUpToDate();
     void keepsRoomsInOrder();
+    void givesCleanNamesBack();
     void keepsSettings();
     void refusesWhatIsNoDatabase();
     void passwords();
@@ -29,6 +34,20 @@ namespace {
 QString q(const char *text)
 {
     return QString::fromUtf8(text);
+}
+
+/// Past the store.
+void execute(const QString &path, const QStringList &statements)
+{
+    {
+        QSqlDatabase raw = QSqlDatabase::addDatabase(q("QSQLITE"), q("raw"));
+        raw.setDatabaseName(path);
+        QVERIFY(raw.open());
+        QSqlQuery query(raw);
+        for (const QString &statement : statements)
+            QVERIFY2(query.exec(statement), qPrintable(statement));
+    }
+    QSqlDatabase::removeDatabase(q("raw"));
 }
 
 } // namespace
@@ -70,6 +89,60 @@ void AccountStoreTest::keepsAccounts()
     QVERIFY(store.accounts().isEmpty());
 }
 
+void AccountStoreTest::changesAnAccountInOneStep()
+{
+    const QTemporaryDir folder;
+    QString error;
+    AccountStore store;
+    AccountStore other;
+    QVERIFY2(store.open(folder.filePath(q("club.sqlite")), &error), qPrintable(error));
+    QVERIFY2(other.open(folder.filePath(q("club.sqlite")), &error), qPrintable(error));
+    Account account;
+    account.callsign = q("YB1A");
+    account.passwordHash = "hash";
+    QVERIFY(store.add(&account));
+    account.status = q("banned");
+    QVERIFY(other.update(account));
+    const auto promote = [](Account &changed) { changed.admin = true; };
+    QCOMPARE(store.change(q("YB1A"), promote), AccountStore::Change::Done);
+    const auto read = other.account(q("YB1A"));
+    QVERIFY(read && read->admin);
+    QCOMPARE(read->status, q("banned"));
+    QCOMPARE(store.change(q("YB9Z"), promote), AccountStore::Change::NoAccount);
+    QVERIFY2(other.update(account), "the file is free again");
+}
+
+/// Also when it fails after some rows.
+void AccountStoreTest::tellsAReadThatFails()
+{
+    const QTemporaryDir folder;
+    const QString path = folder.filePath(q("club.sqlite"));
+    QString error;
+    AccountStore store;
+    QVERIFY2(store.open(path, &error), qPrintable(error));
+    Account account;
+    account.passwordHash = "hash";
+    for (const char *callsign : {"YB1A", "YB2B", "YB3C"}) {
+        account.callsign = q(callsign);
+        QVERIFY(store.add(&account));
+    }
+    execute(path, {q("ALTER TABLE accounts RENAME TO kept"),
+                   q("CREATE VIEW accounts AS SELECT id, callsign, password_hash, gateway_name, name, "
+                     "responsible_callsign, frequency, location, email, whatsapp, status, approved, admin, expiry, "
+                     "CASE id WHEN 2 THEN abs(-9223372036854775806 - id) ELSE hwid END AS hwid, reset_requested, "
+                     "last_login, muted FROM kept")});
+    LogCapture log;
+    log.expectWarning(q("the database could not be read: "));
+    bool isRead = true;
+    QCOMPARE(store.accounts(&isRead).size(), 1);
+    QVERIFY(!isRead);
+    QVERIFY(!store.account(2, &isRead) && !isRead);
+    QCOMPARE(log.count(q("the database could not be read: ")), 2);
+    QVERIFY(store.account(3, &isRead) && isRead);
+    QVERIFY2(!store.account(9, &isRead) && isRead, "there is none, and that is no failure");
+    QCOMPARE(store.change(q("YB2B"), [](Account &) {}), AccountStore::Change::Failed);
+}
+
 void AccountStoreTest::makesAFileOnce()
 {
     constexpr int kFiles = 20;
@@ -103,15 +176,7 @@ void AccountStoreTest::bringsAnOlderFileUpToDate()
         QVERIFY2(store.open(path, &error), qPrintable(error));
         QVERIFY(store.add(&account));
     }
-    {
-        QSqlDatabase raw = QSqlDatabase::addDatabase(q("QSQLITE"), q("raw"));
-        raw.setDatabaseName(path);
-        QVERIFY(raw.open());
-        QSqlQuery query(raw);
-        QVERIFY(query.exec(q("ALTER TABLE accounts DROP COLUMN muted")));
-        QVERIFY(query.exec(q("PRAGMA user_version = 1")));
-    }
-    QSqlDatabase::removeDatabase(q("raw"));
+    execute(path, {q("ALTER TABLE accounts DROP COLUMN muted"), q("PRAGMA user_version = 1")});
     {
         AccountStore store;
         QVERIFY2(store.open(path, &error), qPrintable(error));
@@ -147,6 +212,19 @@ void AccountStoreTest::keepsRoomsInOrder()
     QVERIFY(!store.editRoom(q("Alpha"), {q("Delta"), 7}));
     QVERIFY(store.removeRoom(q("Lobby")));
     QCOMPARE(names(), QStringList({q("Beta"), q("Gamma")}));
+}
+
+void AccountStoreTest::givesCleanNamesBack()
+{
+    AccountStore store;
+    QString error;
+    QVERIFY(store.open(q(":memory:"), &error));
+    const QString cutPair = QString(199, QLatin1Char('x')) + q("\xF0\x9F\x98\x80");
+    for (const QString &name : {QString(QChar(0xFEFF)) + q("Utara"), QString(QChar(0xFFFE)) + q("Selatan"),
+                                q("Timur") + QChar(0xFFFF), cutPair, QString(QChar(0xDE00)) + q("Barat")}) {
+        QVERIFY(store.addRoom({cleanName(name), 0}));
+        QCOMPARE(store.rooms().last().name, cleanName(name));
+    }
 }
 
 void AccountStoreTest::keepsSettings()

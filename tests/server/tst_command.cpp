@@ -71,6 +71,13 @@ void CommandTest::cleanTexts_data()
     QTest::newRow("blanks") << q("  a   b ") << q("a b") << q("a b");
     const QString limit(200, QLatin1Char('x'));
     QTest::newRow("too long") << QString(500, QLatin1Char('x')) << limit << limit;
+    const QString smile = q("\xF0\x9F\x98\x80");
+    QTest::newRow("a pair at the limit") << limit.left(199) + smile << limit.left(199) << limit.left(199);
+    QTest::newRow("a pair before the limit")
+        << limit.left(198) + smile << limit.left(198) + smile << limit.left(198) + smile;
+    QTest::newRow("half a pair") << QChar(0xD83D) + q("a") << QChar(0xFFFD) + q("a") << QChar(0xFFFD) + q("a");
+    QTest::newRow("no characters") << q("a\xEF\xBF\xBE\xEF\xBF\xBF z") + QChar(0xFDD0) << q("a z") << q("a z");
+    QTest::newRow("byte order mark") << QChar(0xFEFF) + q("a") << q("a") << q("a");
 }
 
 void CommandTest::cleanTexts()

@@ -154,9 +154,10 @@ void RegistrationTest::fields_data()
     row("password of separators only", &R::password, q("||"), "Password wajib diisi");
     row("password at the limit", &R::password, long_(128));
     row("password too long", &R::password, long_(129), "Password terlalu panjang (maksimal 128 karakter)");
-    row("password with a blank", &R::password, q("dua kata"), "Password tidak boleh berisi spasi");
-    row("password with a tab", &R::password, q("dua\tkata"), "Password tidak boleh berisi spasi");
-    row("password with a control character", &R::password, q("dua\x01kata"), "Password tidak boleh berisi spasi");
+    row("password with a blank", &R::password, q("dua kata"), "Password tidak boleh berisi spasi atau tanda kutip");
+    row("password with a tab", &R::password, q("dua\tkata"), "Password tidak boleh berisi spasi atau tanda kutip");
+    row("password with a control character", &R::password, q("dua\x01kata"),
+        "Password tidak boleh berisi spasi atau tanda kutip");
 
     const char *email = "Format email tidak valid";
     row("email empty", &R::email, {});

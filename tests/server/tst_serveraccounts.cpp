@@ -17,6 +17,7 @@ private slots:
     void refusals();
     void bindsTheFirstDevice();
     void sameDeviceTakesOver();
+    void runningProgramIsToldOfAnother();
     void otherDeviceIsRefusedWhileActive();
     void warnsOfTheExpiry();
     void guessingIsSlowedDown();
@@ -114,9 +115,28 @@ void ServerAccountsTest::sameDeviceTakesOver()
     ServerRig rig;
     auto old = rig.client();
     QVERIFY(old->enter(q("YB1A")));
+    rig.now += ControlServer::kSignOfLife;
     auto fresh = rig.client();
     QVERIFY(fresh->login(q("YB1A")).startsWith(q("LOGIN_OK")));
     QTRY_VERIFY(!old->isConnected());
+    QCOMPARE(fresh->answer(q("ONLINE_USERS"), q("ONLINE_USERS")), q("ONLINE_USERS|1,YB1A,Op YB1A,,False"));
+}
+
+/// Which would otherwise come back and turn the other one out, without end.
+void ServerAccountsTest::runningProgramIsToldOfAnother()
+{
+    ServerRig rig;
+    auto old = rig.client();
+    QVERIFY(old->enter(q("YB1A")));
+    rig.now += ControlServer::kSignOfLife - 1;
+    QCOMPARE(old->answer(q("PING"), q("PONG")), q("PONG"));
+    rig.now += ControlServer::kSignOfLife - 1;
+    auto fresh = rig.client();
+    QVERIFY(fresh->login(q("YB1A")).startsWith(q("LOGIN_OK")));
+    const QStringList told = old->until(q("KICKED"));
+    QCOMPARE(told.last(), q("KICKED|Akun login lagi dari program lain"));
+    QVERIFY2(told.contains(q("USER_LIST|Lobby||||||")), "its radio is released");
+    QCOMPARE(old->answer(q("PING"), q("PONG")), q("PONG"));
     QCOMPARE(fresh->answer(q("ONLINE_USERS"), q("ONLINE_USERS")), q("ONLINE_USERS|1,YB1A,Op YB1A,,False"));
 }
 

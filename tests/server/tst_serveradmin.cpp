@@ -168,7 +168,7 @@ void ServerAdminTest::approval()
 void ServerAdminTest::passwordAndDeletion()
 {
     QCOMPARE(m_admin->answer(q("ADMIN_RESET_PASSWORD 3 \"new one\""), q("ERROR")),
-             q("ERROR|Password tidak boleh berisi spasi")); // nobody could log in with it
+             q("ERROR|Password tidak boleh berisi spasi atau tanda kutip")); // nobody could log in with it
     QCOMPARE(m_admin->answer(q("ADMIN_RESET_PASSWORD 3 \"\""), q("ERROR")), q("ERROR|Password tidak boleh kosong"));
     QCOMPARE(m_admin->answer(q("ADMIN_RESET_PASSWORD 3 \"new1\""), q("ADMIN")), q("ADMIN_RESET_PASSWORD_OK|YB3C"));
     auto client = m_rig->client();

@@ -16,10 +16,12 @@ private slots:
     void deletedRoomMovesItsMembers();
     void clientGoesAlongWhenItsRoomIsDeleted();
     void fullRoomsArePassedOver();
-    void lastRoomIsLeft();
+    void fullRoomsTakeWhoHasNoOther();
+    void lastRoomStays();
 
 private:
     [[nodiscard]] QString deleteRoom(const QString &name);
+    void limitRoom(const char *name, int maximum);
 
     std::unique_ptr<ServerRig> m_rig;
     std::unique_ptr<RawClient> m_admin;
@@ -91,6 +93,12 @@ QString ServerDepartureTest::deleteRoom(const QString &name)
     return m_admin->answer(QStringLiteral("ADMIN_DELETE_ROOM \"%1\"").arg(name), q("ADMIN_DELETE_ROOM_OK"));
 }
 
+void ServerDepartureTest::limitRoom(const char *name, int maximum)
+{
+    const QString command = QStringLiteral("ADMIN_EDIT_ROOM \"%1\" \"%1\" %2 \"\"").arg(q(name)).arg(maximum);
+    QCOMPARE(m_admin->answer(command, q("ADMIN_EDIT")), q("ADMIN_EDIT_ROOM_OK|") + q(name));
+}
+
 void ServerDepartureTest::whoLeavesSeesTheRoomEmpty_data()
 {
     QTest::addColumn<QString>("byAdmin");
@@ -157,27 +165,35 @@ void ServerDepartureTest::clientGoesAlongWhenItsRoomIsDeleted()
 
 void ServerDepartureTest::fullRoomsArePassedOver()
 {
-    QCOMPARE(m_admin->answer(q("ADMIN_EDIT_ROOM \"Alpha\" \"Alpha\" 1 \"\""), q("ADMIN_EDIT")),
-             q("ADMIN_EDIT_ROOM_OK|Alpha"));
-    QCOMPARE(m_admin->answer(q("ADMIN_CREATE_ROOM \"Bravo\" 1"), q("ADMIN_CREATE")), q("ADMIN_CREATE_ROOM_OK|Bravo"));
+    limitRoom("Alpha", 1);
+    QCOMPARE(m_admin->answer(q("ADMIN_CREATE_ROOM \"Bravo\" 2"), q("ADMIN_CREATE")), q("ADMIN_CREATE_ROOM_OK|Bravo"));
     auto third = m_rig->client();
     QVERIFY(third->enter(q("YB3C"), q("Alpha")));
     QCOMPARE(deleteRoom(q("Lobby")), q("ADMIN_DELETE_ROOM_OK|Lobby"));
     QVERIFY(m_a->until(q("MOVED")).last().startsWith(q("MOVED|Bravo|YB4D|")));
-    const QStringList left = m_talker->until(q("LEAVE_OK"));
-    QCOMPARE(left.last(), q("LEAVE_OK"));
-    QCOMPARE(left.filter(q("USER_LIST")).last(), kEmpty);
-    QVERIFY(m_talker->answer(q("ONLINE_USERS"), q("ONLINE_USERS")).contains(q("2,YB2B,Op YB2B,,False")));
+    QVERIFY(m_talker->until(q("MOVED")).last().startsWith(q("MOVED|Bravo|YB4D|")));
 }
 
-void ServerDepartureTest::lastRoomIsLeft()
+void ServerDepartureTest::fullRoomsTakeWhoHasNoOther()
+{
+    limitRoom("Alpha", 1);
+    Gateway third(m_rig->server(), q("YB3C"));
+    QTRY_VERIFY(third.told.contains(q("users 3 RX TX RX")));
+    third.told.clear();
+    QCOMPARE(deleteRoom(q("Lobby")), q("ADMIN_DELETE_ROOM_OK|Lobby"));
+    QTRY_COMPARE(third.told, QStringList({q("in Alpha"), q("users 3 RX RX RX")}));
+    QVERIFY(m_talker->until(q("MOVED")).last().startsWith(q("MOVED|Alpha|YB4D|")));
+    QCOMPARE(m_admin->answer(q("JOIN Alpha"), q("JOIN")), q("JOIN_FAILED|Room penuh"));
+}
+
+void ServerDepartureTest::lastRoomStays()
 {
     QCOMPARE(deleteRoom(q("Alpha")), q("ADMIN_DELETE_ROOM_OK|Alpha"));
-    QCOMPARE(deleteRoom(q("Lobby")), q("ADMIN_DELETE_ROOM_OK|Lobby"));
-    const QStringList left = m_a->until(q("LEAVE_OK"));
-    QCOMPARE(left.last(), q("LEAVE_OK"));
-    QCOMPARE(left.filter(q("USER_LIST")).last(), kEmpty);
-    QCOMPARE(m_a->until(q("ROOMS|")).last(), q("ROOMS|"));
+    QCOMPARE(m_admin->answer(q("ADMIN_DELETE_ROOM \"Lobby\""), q("ERROR")),
+             q("ERROR|Room terakhir tidak dapat dihapus"));
+    QCOMPARE(m_admin->answer(q("ROOMS"), q("ROOMS")), q("ROOMS|Lobby"));
+    QCOMPARE(m_talker->answer(q("TX_STOP \"Lobby\""), q("TX_STOP")), q("TX_STOP_OK"));
+    QCOMPARE(m_rig->store().rooms().size(), 1);
 }
 
 EVOX_TEST_MAIN(ServerDepartureTest, QCoreApplication)

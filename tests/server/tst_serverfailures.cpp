@@ -13,6 +13,10 @@ private slots:
     void deedsThatCannotBeStored_data();
     void deedsThatCannotBeStored();
     void gatewaysLogInAllTheSame();
+    void accountsThatCannotBeRead_data();
+    void accountsThatCannotBeRead();
+    void loginsWaitForTheDatabase();
+    void roomsThatCannotBeReadStopTheStart();
     void whoDoesNotReadCostsNobodyElse();
 
 private:
@@ -117,6 +121,68 @@ void ServerFailuresTest::gatewaysLogInAllTheSame()
     QCOMPARE(log.count(q("YB1A could not be written")), 1);
     QVERIFY2(client->answer(q("USER_GET_PROFILE"), q("USER_PROFILE")).contains(q("\"registered_hwid\":\"\"")),
              "the device is not bound");
+}
+
+void ServerFailuresTest::accountsThatCannotBeRead_data()
+{
+    QTest::addColumn<QString>("command");
+    QTest::addColumn<QString>("refusal");
+    for (const char *command :
+         {"ADMIN_GET_ALL_USERS", "ADMIN_PENDING", "ADMIN_APPROVE_USER 1", "ADMIN_BAN 1", "ADMIN_MUTE 1 1",
+          "ADMIN_RESET_HWID 1", "ADMIN_RESET_PASSWORD 1 \"other\"", "ADMIN_DELETE_USER 1", "USER_GET_INFO YB1A",
+          "ADMIN_UPDATE_USER 1 \"a\" \"b\" \"active\" \"c\" \"d\" \"e\" \"f\" \"g\" 0 1 \"\""})
+        QTest::newRow(command) << q(command) << q("ERROR|Data tidak dapat dibaca");
+    QTest::newRow("device") << q("USER_REQUEST_HWID_RESET \"YB4D\"") << kRefusal;
+    QTest::newRow("registration")
+        << q("REGISTER_GATEWAY \"GW\" \"YH1AB\" \"-\" \"-\" \"-\" \"Op\" \"-\" \"secret\" \"-\" \"-\"")
+        << q("REGISTER_FAILED|Pendaftaran tidak dapat disimpan, coba lagi nanti");
+}
+
+/// It does not read as if there were none.
+void ServerFailuresTest::accountsThatCannotBeRead()
+{
+    QFETCH(QString, command);
+    QFETCH(QString, refusal);
+    ServerRig rig;
+    auto admin = rig.client();
+    QVERIFY(admin->login(q("YB4D")).startsWith(q("LOGIN_OK")));
+    QVERIFY(!admin->until(q("SERVER_INFO")).isEmpty());
+    rig.execute(q("ALTER TABLE accounts RENAME TO kept"));
+    LogCapture log;
+    log.expectWarning(q("the database could not be read: "));
+    admin->send(command);
+    admin->send(q("PING"));
+    QCOMPARE(admin->until(q("PONG")), QStringList({refusal, q("PONG")}));
+    QCOMPARE(log.count(q("the database could not be read: ")), 1);
+}
+
+void ServerFailuresTest::loginsWaitForTheDatabase()
+{
+    ServerRig rig;
+    rig.execute(q("ALTER TABLE accounts RENAME TO kept"));
+    LogCapture log;
+    log.expectWarning(q("the database could not be read: "));
+    auto client = rig.client();
+    for (int i = 0; i <= LoginGuard::kFailures; ++i)
+        QCOMPARE(client->login(q("YB1A")), q("LOGIN_FAILED|Akun tidak dapat dibaca, coba lagi nanti"));
+    rig.execute(q("ALTER TABLE kept RENAME TO accounts"));
+    QVERIFY2(client->login(q("YB1A")).startsWith(q("LOGIN_OK")), "none of them was a guess");
+}
+
+/// They are not taken for a new database, which gets the rooms of the options.
+void ServerFailuresTest::roomsThatCannotBeReadStopTheStart()
+{
+    ServerRig rig;
+    rig.execute(q("ALTER TABLE rooms RENAME TO kept"));
+    LogCapture log;
+    log.expectWarning(q("the database could not be read: "));
+    ControlServer server(&rig.store());
+    ControlServer::Options options;
+    options.rooms = QStringList(q("Lobby"));
+    QString error;
+    QVERIFY(!server.start(options, &error));
+    QCOMPARE(error, q("the rooms could not be read from the database"));
+    QVERIFY(!log.linesStartingWith(q("the database could not be read: ")).filter(q("no such table")).isEmpty());
 }
 
 /// A lost client leaves the lists that the server is walking through; the others are told each line once.

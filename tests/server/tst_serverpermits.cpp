@@ -22,6 +22,7 @@ private slots:
     void editWithAPastDateActsAtOnce();
     void editWithALaterDateBringsBack();
     void failedWriteIsTriedAgain();
+    void failedReadIsTriedAgain();
 
 private:
     void setExpiry(const char *callsign, const QDate &day);
@@ -182,6 +183,19 @@ void ServerPermitsTest::failedWriteIsTriedAgain()
     m_rig->server().watchPermits();
     QCOMPARE(m_rig->store().account(1)->status, q("active"));
     m_rig->execute(q("DROP TRIGGER full"));
+    m_rig->server().watchPermits();
+    QCOMPARE(m_rig->store().account(1)->status, q("suspended"));
+}
+
+void ServerPermitsTest::failedReadIsTriedAgain()
+{
+    LogCapture log;
+    log.expectWarning(q("the database could not be read: "));
+    m_rig->execute(q("ALTER TABLE accounts RENAME TO kept"));
+    m_rig->today = m_rig->today.addDays(1);
+    m_rig->server().watchPermits();
+    QCOMPARE(log.count(q("the database could not be read: ")), 1);
+    m_rig->execute(q("ALTER TABLE kept RENAME TO accounts"));
     m_rig->server().watchPermits();
     QCOMPARE(m_rig->store().account(1)->status, q("suspended"));
 }

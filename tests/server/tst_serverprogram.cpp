@@ -1,3 +1,5 @@
+#include "server/AccountStore.h"
+#include "server/Passwords.h"
 #include "support/ChildProcess.h"
 #include "support/TestMain.h"
 
@@ -30,10 +32,19 @@ private slots:
     void wrongOptions();
     void servesTheFilesOfTheOperator();
     void helpNamesEveryOption();
+    void passwordIsChangedAlone();
+    void unusablePasswords_data();
+    void unusablePasswords();
+    void commandsWithoutAnAccount();
+    void listsUsers();
 
 private:
     [[nodiscard]] bool start(const QStringList &options);
     [[nodiscard]] int exitCode(const QStringList &options);
+    [[nodiscard]] QString databasePath() const { return m_folder->filePath(QStringLiteral("club.sqlite")); }
+    [[nodiscard]] bool beginCommand(const QStringList &words);
+    [[nodiscard]] bool command(const QStringList &words);
+    [[nodiscard]] std::optional<Account> account(const char *callsign) const;
     [[nodiscard]] QString file(const char *name, const QByteArray &content) const;
     [[nodiscard]] QByteArray get(const QString &target);
     [[nodiscard]] QString roomsAfterLogin();
@@ -100,6 +111,25 @@ int ServerProgramTest::exitCode(const QStringList &options)
 {
     const bool started = start(options);
     return started || !m_program->waitForEnd() ? -1 : m_program->exitCode();
+}
+
+bool ServerProgramTest::beginCommand(const QStringList &words)
+{
+    return m_program->begin(serverPath(), QStringList{q("--database"), databasePath()} + words);
+}
+
+/// Runs it to its end; whether it succeeded.
+bool ServerProgramTest::command(const QStringList &words)
+{
+    return beginCommand(words) && m_program->waitForEnd() && m_program->exitCode() == 0;
+}
+
+/// As another program reads it.
+std::optional<Account> ServerProgramTest::account(const char *callsign) const
+{
+    AccountStore store;
+    QString error;
+    return store.open(databasePath(), &error) ? store.account(q(callsign)) : std::nullopt;
 }
 
 QString ServerProgramTest::file(const char *name, const QByteArray &content) const
@@ -246,6 +276,87 @@ void ServerProgramTest::helpNamesEveryOption()
     for (const char *option : {"--listen", "--port", "--udp-port", "--http-port", "--registry", "--registry-quoted",
                                "--update", "--auto-approve", "--database", "--room", "== LOBBY ==", "8080", "8088"})
         QVERIFY2(help.contains(option), option);
+}
+
+/// What the server writes while the password is typed stays.
+void ServerProgramTest::passwordIsChangedAlone()
+{
+    QVERIFY(Passwords::initialize());
+    QVERIFY(command({q("add-user"), q("YB1A"), q("--password"), q("secret")}));
+    QFile prompt(m_folder->filePath(q("prompt")));
+    m_program = std::make_unique<ChildProcess>();
+    m_program->setLogFile(prompt.fileName());
+    QVERIFY(beginCommand({q("set-password"), q("yb1a")}));
+    QTRY_VERIFY(prompt.isOpen() || prompt.open(QIODevice::ReadOnly));
+    QByteArray asked;
+    QTRY_VERIFY((asked += prompt.readAll()).startsWith("Password: "));
+    {
+        AccountStore store;
+        QString error;
+        QVERIFY2(store.open(databasePath(), &error), qPrintable(error));
+        QCOMPARE(store.change(q("YB1A"), [](Account &account) { account.status = q("banned"); }),
+                 AccountStore::Change::Done);
+    }
+    m_program->write("newsecret\n");
+    QVERIFY(m_program->waitForEnd());
+    QCOMPARE(m_program->exitCode(), 0);
+    const auto changed = account("YB1A");
+    QVERIFY(changed);
+    QCOMPARE(changed->status, q("banned"));
+    QVERIFY(Passwords::matches(changed->passwordHash, q("newsecret")));
+}
+
+void ServerProgramTest::unusablePasswords_data()
+{
+    QTest::addColumn<QString>("password");
+    QTest::addColumn<QString>("complaint");
+    const QString unusable = q("a password has no blanks and no quotes: nobody could log in with it");
+    QTest::newRow("empty") << q("") << q("a password has at least one character");
+    QTest::newRow("two words") << q("dua kata") << unusable;
+    QTest::newRow("tab") << q("dua\tkata") << unusable;
+    QTest::newRow("quote in front") << q("\"kata") << unusable;
+    QTest::newRow("quote inside") << q("ka\"ta") << unusable;
+}
+
+void ServerProgramTest::unusablePasswords()
+{
+    QFETCH(QString, password);
+    QFETCH(QString, complaint);
+    QVERIFY(command({q("add-user"), q("YB1A"), q("--password"), q("secret")}));
+    const auto before = account("YB1A");
+    QVERIFY(before);
+    for (const QStringList &words :
+         {QStringList{q("add-user"), q("YB2B")}, QStringList{q("set-password"), q("YB1A")}}) {
+        QVERIFY(!command(words + QStringList{q("--password"), password}));
+        QCOMPARE(m_program->exitCode(), 1);
+        QCOMPARE(m_program->lastLine(q("evox-server: ")), q("evox-server: ") + complaint);
+        QVERIFY(beginCommand(words));
+        m_program->write(password.toUtf8() + '\n');
+        QVERIFY(m_program->waitForEnd());
+        QCOMPARE(m_program->exitCode(), 1);
+        QVERIFY(m_program->log().value(0).endsWith(complaint)); // behind the prompt
+    }
+    QVERIFY(!account("YB2B"));
+    QCOMPARE(account("YB1A")->passwordHash, before->passwordHash);
+}
+
+void ServerProgramTest::commandsWithoutAnAccount()
+{
+    for (const char *word : {"set-password", "make-admin"}) {
+        QVERIFY(!command({q(word), q("yb9z"), q("--password"), q("secret")}));
+        QCOMPARE(m_program->exitCode(), 1);
+        QCOMPARE(m_program->log().value(0), q("evox-server: there is no account YB9Z"));
+    }
+}
+
+void ServerProgramTest::listsUsers()
+{
+    QVERIFY(command({q("add-user"), q("yb1a"), q("--password"), q("secret"), q("--name"), q("Ani Siti")}));
+    QVERIFY(command({q("add-user"), q("YB2B"), q("--password"), q("secret")}));
+    QVERIFY(command({q("make-admin"), q("yb2b")}));
+    QVERIFY(command({q("list-users")}));
+    QCOMPARE(m_program->readAllStandardOutput(),
+             QByteArray("1\tYB1A\tAni Siti\tactive\tapproved\t\n2\tYB2B\tYB2B\tactive\tapproved\tadmin\n"));
 }
 
 EVOX_TEST_MAIN(ServerProgramTest, QCoreApplication)

@@ -24,6 +24,7 @@ private slots:
     void refusalsLeaveNoAccount();
     void floodIsSlowedDown();
     void administratorsAreExempt();
+    void onlySoManyWaitForApproval();
     void registeringDoesNotBlockLogins();
     void passwordsStayOutOfTheLog();
 };
@@ -217,6 +218,31 @@ void ServerRegistrationTest::administratorsAreExempt()
         QCOMPARE(apply(*admin, line(QStringLiteral("YH1G%1").arg(QChar('A' + i)))), kPending);
     auto stranger = rig.client();
     QCOMPARE(apply(*stranger, line(q("YH2GW"))), kPending);
+}
+
+void ServerRegistrationTest::onlySoManyWaitForApproval()
+{
+    const QString full = q("REGISTER_FAILED|Terlalu banyak pendaftaran yang menunggu persetujuan, coba lagi nanti");
+    ServerRig rig;
+    auto client = rig.client();
+    QCOMPARE(apply(*client, line(q("YH1AA"))), kPending);
+    // As many more of it as there may be, but for one.
+    rig.execute(QStringLiteral("WITH RECURSIVE n(i) AS (SELECT 1 UNION ALL SELECT i + 1 FROM n WHERE i < %1) "
+                               "INSERT INTO accounts SELECT 100 + i, 'X' || i, password_hash, gateway_name, name, "
+                               "responsible_callsign, frequency, location, email, whatsapp, status, approved, admin, "
+                               "expiry, hwid, reset_requested, last_login, muted FROM n, accounts "
+                               "WHERE callsign = 'YH1AA'")
+                    .arg(ControlServer::kMostPending - 2));
+    QCOMPARE(apply(*client, line(q("YH1AB"))), kPending);
+    QCOMPARE(apply(*client, line(q("YH1AC"))), full);
+    QVERIFY(!rig.store().account(q("YH1AC")));
+    auto admin = rig.client();
+    QVERIFY(admin->login(q("YB4D")).startsWith(q("LOGIN_OK")));
+    QCOMPARE(apply(*admin, line(q("YH1AD"))), kPending);
+    QCOMPARE(apply(*client, line(q("YH1AC"))), full);
+    for (int id : {101, 102})
+        QCOMPARE(admin->answer(QStringLiteral("ADMIN_DELETE_USER %1").arg(id), q("ADMIN")), q("ADMIN_DELETE_USER_OK"));
+    QCOMPARE(apply(*client, line(q("YH1AC"))), kPending);
 }
 
 void ServerRegistrationTest::registeringDoesNotBlockLogins()

@@ -14,6 +14,9 @@ private slots:
     void refusedTransmissions();
     void talkLimit();
     void disconnectionReleasesTheTalk();
+    void renamedRoomKeepsItsMembers_data();
+    void renamedRoomKeepsItsMembers();
+    void occupiedRoomOutlivesItsRow();
 };
 
 namespace {
@@ -133,6 +136,53 @@ void ServerRoomsTest::disconnectionReleasesTheTalk()
     a.reset();
     QVERIFY(!b->until(q("USER_LIST|Lobby|2|YB2B|Op YB2B|RX")).isEmpty());
     QCOMPARE(b->answer(q("TX_START \"Lobby\""), q("TX_START")), q("TX_START_OK"));
+}
+
+void ServerRoomsTest::renamedRoomKeepsItsMembers_data()
+{
+    QTest::addColumn<QString>("name");
+    QTest::addColumn<QString>("clean");
+    const QString longest(199, QLatin1Char('x'));
+    QTest::newRow("plain") << q("Aula") << q("Aula");
+    QTest::newRow("cut at a pair") << longest + q("\xF0\x9F\x98\x80") << longest;
+    QTest::newRow("no character") << q("Aula ") + QChar(0xFFFF) << q("Aula");
+    QTest::newRow("byte order mark") << QChar(0xFEFF) + q("Aula") << q("Aula");
+}
+
+void ServerRoomsTest::renamedRoomKeepsItsMembers()
+{
+    QFETCH(QString, name);
+    QFETCH(QString, clean);
+    ServerRig rig;
+    auto a = rig.client();
+    QVERIFY(a->enter(q("YB1A")));
+    auto admin = rig.client();
+    QVERIFY(admin->login(q("YB4D")).startsWith(q("LOGIN_OK")));
+    QCOMPARE(admin->answer(QStringLiteral("ADMIN_EDIT_ROOM \"Lobby\" \"%1\" 5 \"\"").arg(name), q("ADMIN_EDIT")),
+             q("ADMIN_EDIT_ROOM_OK|") + clean);
+    QCOMPARE(a->answer(QStringLiteral("TX_START \"%1\"").arg(clean), q("TX_START")), q("TX_START_OK"));
+    QVERIFY(admin->answer(q("JOIN ") + clean, q("JOIN")).startsWith(q("JOIN_OK")));
+    QCOMPARE(admin->until(q("USER_LIST")).last(),
+             q("USER_LIST|") + clean + q("|1,4|YB1A,YB4D|Op YB1A,Op YB4D|TX,RX|1,1|0,0"));
+    rig.restart();
+    auto b = rig.client();
+    QVERIFY(b->login(q("YB2B")).startsWith(q("LOGIN_OK")));
+    QCOMPARE(b->answer(q("ROOMS"), q("ROOMS")), q("ROOMS|") + clean + q(",Alpha"));
+}
+
+/// Somebody works on the file by hand.
+void ServerRoomsTest::occupiedRoomOutlivesItsRow()
+{
+    ServerRig rig;
+    auto a = rig.client();
+    QVERIFY(a->enter(q("YB1A")));
+    auto admin = rig.client();
+    QVERIFY(admin->login(q("YB4D")).startsWith(q("LOGIN_OK")));
+    rig.execute(q("DELETE FROM rooms WHERE name = 'Lobby'"));
+    QCOMPARE(admin->answer(q("ADMIN_CREATE_ROOM \"Bravo\" 5"), q("ADMIN_CREATE")), q("ADMIN_CREATE_ROOM_OK|Bravo"));
+    QCOMPARE(admin->until(q("ROOMS|")).last(), q("ROOMS|Lobby,Alpha,Bravo"));
+    QVERIFY(admin->answer(q("JOIN Lobby"), q("JOIN")).startsWith(q("JOIN_OK")));
+    QCOMPARE(admin->until(q("USER_LIST")).last(), q("USER_LIST|Lobby|1,4|YB1A,YB4D|Op YB1A,Op YB4D|RX,RX|1,1|0,0"));
 }
 
 EVOX_TEST_MAIN(ServerRoomsTest, QCoreApplication)
