@@ -294,6 +294,7 @@ void AdminPanelTest::requestsShowInTheTitle()
     list->setCurrentRow(0);
     m_prompts->accept();
     find<QAction>("approveHwidAction")->trigger();
+    QTRY_VERIFY(m_prompts->isDone());
     QCOMPARE(sent(), QStringList(q("ADMIN_RESET_HWID 7")));
     QCOMPARE(title(Requests), q("HWID Requests (1) !"));
     list->setCurrentRow(0);
@@ -323,6 +324,7 @@ void AdminPanelTest::requestIdFromTheUserList()
     find<QListWidget>("hwidRequestsList")->setCurrentRow(0);
     m_prompts->accept();
     find<QAction>("approveHwidAction")->trigger();
+    QTRY_VERIFY(m_prompts->isDone());
     QCOMPARE(sent(), QStringList(q("ADMIN_RESET_HWID 8")));
 }
 

@@ -294,7 +294,7 @@ void AllUsersTabTest::theDeleteKeyWorksInTheTableOnly()
     m_rig->table()->setFocus();
     m_rig->prompts.accept();
     QTest::keyClick(m_rig->table(), Qt::Key_Delete);
-    QCOMPARE(m_rig->lines.value(0), q("ADMIN_DELETE_USER 2"));
+    QTRY_COMPARE(m_rig->lines.value(0), q("ADMIN_DELETE_USER 2"));
 }
 
 void AllUsersTabTest::edits_data()
@@ -318,8 +318,8 @@ void AllUsersTabTest::edits()
         QTest::mouseClick(m_rig->table()->viewport(), Qt::LeftButton, {}, cell);
         QTest::mouseDClick(m_rig->table()->viewport(), Qt::LeftButton, {}, cell);
     }
+    QTRY_VERIFY(m_rig->tab->findChild<EditUserDialog *>());
     const QPointer<EditUserDialog> dialog(m_rig->tab->findChild<EditUserDialog *>());
-    QVERIFY(dialog);
     QCOMPARE(dialog->windowTitle(), q("Edit User - YH12AB"));
     QCOMPARE(m_rig->tab->findChildren<EditUserDialog *>().size(), 1);
     m_rig->tab->showUsers(users(14, 20)); // an open dialog is for its own user

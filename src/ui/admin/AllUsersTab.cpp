@@ -120,7 +120,8 @@ QToolBar *AllUsersTab::createToolBar()
         auto *action = new QAction(QIcon(QLatin1String(row.icon)), QLatin1String(row.text), this);
         action->setObjectName(QLatin1String(row.name));
         action->setToolTip(QLatin1String(row.tip));
-        connect(action, &QAction::triggered, this, row.slot);
+        // Not inside the menu or the mouse event: a box would return there, and they may be gone with the panel.
+        connect(action, &QAction::triggered, this, row.slot, Qt::QueuedConnection);
         bar->addAction(action);
         m_table->addAction(action);
         QWidget *button = bar->widgetForAction(action);
@@ -142,10 +143,11 @@ void AllUsersTab::createTable()
     m_table->setObjectName(QStringLiteral("allUsersTable"));
     m_table->setAccessibleName(QStringLiteral("All Registered Users"));
     m_table->setContextMenuPolicy(Qt::ActionsContextMenu);
-    connect(m_table, &UserTableView::activated, this, [this](const QModelIndex &index) {
+    const auto edit = [this](const QModelIndex &index) {
         if (index.column() != m_table->model()->columnCount() - 1) // which has buttons of its own
             onEditUser();
-    });
+    };
+    connect(m_table, &UserTableView::activated, this, edit, Qt::QueuedConnection);
     connect(m_table, &UserTableView::editClicked, this, &AllUsersTab::onEditUser);
     connect(m_table, &UserTableView::deleteClicked, this, &AllUsersTab::onDeleteUser);
 }
