@@ -287,23 +287,28 @@ void AllUsersTab::onRegisterResult(bool success, const QString &message)
         return;
     }
     if (registration.isApproved)
-        m_approvedOnceListed.append(registration.callsign);
+        m_toApprove.append(registration.callsign);
     emit refreshRequested();
 }
 
 void AllUsersTab::forgetRegistrations()
 {
     m_registering.clear();
+    m_toApprove.clear();
 }
 
+/// No answer says whose it is, and a registration may stay without one. Only when all are answered it is certain that
+/// none of the answers was another one's; before that somebody else's account could be approved.
 void AllUsersTab::approveListed()
 {
-    const QStringList awaited = std::exchange(m_approvedOnceListed, {});
+    if (!m_registering.isEmpty())
+        return;
+    const QStringList awaited = std::exchange(m_toApprove, {});
     bool approves = false;
     for (const QString &callsign : awaited) {
         const int userId = idOf(callsign);
         if (userId < 1) { // a list that was on its way already does not know it yet
-            m_approvedOnceListed.append(callsign);
+            m_toApprove.append(callsign);
             continue;
         }
         emit approveRequested(userId);
