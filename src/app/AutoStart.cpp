@@ -30,10 +30,12 @@ void AutoStart::set(bool enabled, const QString &programPath)
         QFile::remove(path);
         return;
     }
-    // Inside the quotes of an Exec key these four are escaped, and a percent sign is doubled.
+    // Inside the quotes of an Exec key these four are escaped with a backslash, the backslash first. Every backslash is
+    // then doubled, as in any value of the file, and so is a percent sign.
     QString quoted = programPath;
     for (const char *reserved : {"\\", "\"", "`", "$"})
-        quoted.replace(QLatin1String(reserved), QLatin1String("\\\\") + QLatin1String(reserved));
+        quoted.replace(QLatin1String(reserved), QLatin1String("\\") + QLatin1String(reserved));
+    quoted.replace(QLatin1String("\\"), QLatin1String("\\\\"));
     quoted.replace(QLatin1Char('%'), QLatin1String("%%"));
     config.mkpath(QStringLiteral("autostart"));
     QSaveFile entry(path);

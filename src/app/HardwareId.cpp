@@ -4,7 +4,6 @@
 
 #include <QCryptographicHash>
 #include <QDebug>
-#include <QNetworkInterface>
 #include <QProcess>
 #include <QStringList>
 #include <QSysInfo>
@@ -18,16 +17,13 @@ constexpr std::chrono::milliseconds kWmicTimeout{3000};
 constexpr int kIdentifierLength = 32;
 constexpr int kLoggedLength = 16;
 
-QString firstMacAddress()
+QVector<HardwareId::Interface> interfacesOfThisPc()
 {
-    const auto interfaces = QNetworkInterface::allInterfaces();
-    for (const QNetworkInterface &interface : interfaces) {
-        const auto flags = interface.flags();
-        if (flags.testFlag(QNetworkInterface::IsUp) && flags.testFlag(QNetworkInterface::IsRunning) &&
-            !flags.testFlag(QNetworkInterface::IsLoopBack))
-            return interface.hardwareAddress();
-    }
-    return QStringLiteral("00:00:00:00:00:00");
+    QVector<HardwareId::Interface> interfaces;
+    const auto all = QNetworkInterface::allInterfaces();
+    for (const QNetworkInterface &interface : all)
+        interfaces.append({interface.flags(), interface.hardwareAddress()});
+    return interfaces;
 }
 
 QString processorId()
@@ -46,6 +42,17 @@ QString processorId()
 }
 
 } // namespace
+
+QString HardwareId::macAddress(const QVector<Interface> &interfaces)
+{
+    for (const Interface &interface : interfaces) {
+        if (interface.flags.testFlag(QNetworkInterface::IsUp) &&
+            interface.flags.testFlag(QNetworkInterface::IsRunning) &&
+            !interface.flags.testFlag(QNetworkInterface::IsLoopBack))
+            return interface.address;
+    }
+    return QStringLiteral("00:00:00:00:00:00");
+}
 
 QString HardwareId::processorIdFromWmic(const QByteArray &output)
 {
@@ -69,8 +76,8 @@ QString HardwareId::digest(const QStringList &facts)
 
 QString generateHardwareId()
 {
-    return HardwareId::digest({QSysInfo::machineHostName(), firstMacAddress(), processorId(), QSysInfo::productType(),
-                               QSysInfo::kernelVersion()});
+    return HardwareId::digest({QSysInfo::machineHostName(), HardwareId::macAddress(interfacesOfThisPc()), processorId(),
+                               QSysInfo::productType(), QSysInfo::kernelVersion()});
 }
 
 void HardwareId::ensureStored(Config *config, const char *logText)

@@ -1,7 +1,9 @@
 #pragma once
 
 #include <QByteArray>
+#include <QNetworkInterface>
 #include <QString>
+#include <QVector>
 
 class Config;
 
@@ -10,6 +12,15 @@ class Config;
 [[nodiscard]] QString generateHardwareId();
 
 namespace HardwareId {
+
+struct Interface
+{
+    QNetworkInterface::InterfaceFlags flags;
+    QString address; ///< six pairs of hexadecimal digits with colons between them
+};
+
+/// The address of the first interface that is up, running and not a loopback; "00:00:00:00:00:00" where there is none.
+[[nodiscard]] QString macAddress(const QVector<Interface> &interfaces);
 
 /// The processor identifier in the output of "wmic cpu get ProcessorId": its second non-empty line, trimmed. The
 /// output is the console's 8-bit text, or UTF-16 when it begins with a byte-order mark. Empty when there is none.

@@ -8,6 +8,7 @@
 #include <QSysInfo>
 
 Q_DECLARE_METATYPE(FakeProgram::Reply)
+Q_DECLARE_METATYPE(HardwareId::Interface)
 
 namespace {
 
@@ -44,6 +45,8 @@ class HardwareIdTest final : public QObject
 private slots:
     void isAlways32HexDigits();
     void isTheSameTwice();
+    void choosesTheInterface_data();
+    void choosesTheInterface();
     void digestOfAPcWithLoopbackOnly();
     void readsWmic_data();
     void readsWmic();
@@ -61,6 +64,34 @@ void HardwareIdTest::isAlways32HexDigits()
 void HardwareIdTest::isTheSameTwice()
 {
     QCOMPARE(generateHardwareId(), generateHardwareId());
+}
+
+void HardwareIdTest::choosesTheInterface_data()
+{
+    using Interfaces = QVector<HardwareId::Interface>;
+    QTest::addColumn<Interfaces>("interfaces");
+    QTest::addColumn<QString>("address");
+    const auto interface = [](const char *address, QNetworkInterface::InterfaceFlags flags) {
+        return HardwareId::Interface{flags, QLatin1String(address)};
+    };
+    const auto inUse = QNetworkInterface::IsUp | QNetworkInterface::IsRunning;
+    const auto loopback = interface("00:00:5E:00:00:00", inUse | QNetworkInterface::IsLoopBack);
+    const auto cable = interface("02:00:00:00:00:01", inUse);
+    const auto radio = interface("02:00:00:00:00:02", inUse | QNetworkInterface::CanBroadcast);
+    const QString none = QStringLiteral("00:00:00:00:00:00");
+    QTest::newRow("no interface") << Interfaces() << none;
+    QTest::newRow("loopback only") << Interfaces{loopback} << none;
+    QTest::newRow("cable unplugged") << Interfaces{loopback, interface("02::1", QNetworkInterface::IsUp)} << none;
+    QTest::newRow("switched off") << Interfaces{interface("02::1", QNetworkInterface::IsRunning), loopback} << none;
+    QTest::newRow("after the loopback") << Interfaces{loopback, cable} << cable.address;
+    QTest::newRow("the first of two") << Interfaces{radio, cable} << radio.address;
+    QTest::newRow("after one that is off") << Interfaces{interface("02::1", {}), cable, radio} << cable.address;
+}
+
+void HardwareIdTest::choosesTheInterface()
+{
+    QFETCH(QVector<HardwareId::Interface>, interfaces);
+    QTEST(HardwareId::macAddress(interfaces), "address");
 }
 
 void HardwareIdTest::digestOfAPcWithLoopbackOnly()

@@ -43,6 +43,7 @@ void AllUsersRig::choose(int userId) const
 void AllUsersRig::trigger(const QString &action) const
 {
     tab->findChild<QAction *>(action)->trigger();
+    QCoreApplication::sendPostedEvents(tab.get(), QEvent::MetaCall);
 }
 
 QPoint AllUsersRig::rowButton(int row, UserActionsDelegate::Button button) const

@@ -29,6 +29,7 @@ public:
     [[nodiscard]] QStringList shownIds() const;
     [[nodiscard]] QString chosenId() const; ///< or "none"
     void choose(int userId) const;
+    /// As the menu does; what the action asks for has been done then.
     void trigger(const QString &action) const;
     /// The middle of a button in a row, in the viewport; scrolls there.
     [[nodiscard]] QPoint rowButton(int row, UserActionsDelegate::Button button) const;

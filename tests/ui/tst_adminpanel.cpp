@@ -9,6 +9,7 @@
 
 #include <QAction>
 #include <QApplication>
+#include <QCheckBox>
 #include <QImage>
 #include <QLabel>
 #include <QLineEdit>
@@ -50,6 +51,7 @@ private slots:
     void deletedUserAsksForNothing();
     void limitsEndWithTheConnection();
     void connectionLostAndBack();
+    void approvalsEndWithTheConnection();
     void enterInAFieldPressesNoButton();
     void closesByKeyboard();
     void worksWithoutAClient();
@@ -294,6 +296,7 @@ void AdminPanelTest::requestsShowInTheTitle()
     list->setCurrentRow(0);
     m_prompts->accept();
     find<QAction>("approveHwidAction")->trigger();
+    QTRY_VERIFY(m_prompts->isDone());
     QCOMPARE(sent(), QStringList(q("ADMIN_RESET_HWID 7")));
     QCOMPARE(title(Requests), q("HWID Requests (1) !"));
     list->setCurrentRow(0);
@@ -323,6 +326,7 @@ void AdminPanelTest::requestIdFromTheUserList()
     find<QListWidget>("hwidRequestsList")->setCurrentRow(0);
     m_prompts->accept();
     find<QAction>("approveHwidAction")->trigger();
+    QTRY_VERIFY(m_prompts->isDone());
     QCOMPARE(sent(), QStringList(q("ADMIN_RESET_HWID 8")));
 }
 
@@ -364,8 +368,11 @@ void AdminPanelTest::limitsEndWithTheConnection()
     m_server->send(q("AUDIO_QUALITY|high|64000|48000|20|5"));
     QTRY_VERIFY(find<QRadioButton>("audioQuality_high")->isChecked());
     QCOMPARE(maximum->text(), q("25"));
+    find<QTabWidget>("adminTabs")->setCurrentIndex(Rooms);
+    QVERIFY(!find<QLabel>("roomLimitHint")->isVisible());
     m_server->drop();
-    QTRY_COMPARE(maximum->text(), q("Unknown"));
+    QTRY_VERIFY(find<QLabel>("roomLimitHint")->isVisible());
+    QCOMPARE(maximum->text(), q("25")); // the last one known
 }
 
 void AdminPanelTest::connectionLostAndBack()
@@ -387,6 +394,30 @@ void AdminPanelTest::connectionLostAndBack()
     m_server->send(q("LOGIN_OK|token|YB4D|True|4"));
     QVERIFY(m_server->waitForLine(q("ADMIN_PENDING")));
     QCOMPARE(sent(), kRefresh);
+}
+
+/// The gateway that was registered may be another one when the connection is back.
+void AdminPanelTest::approvalsEndWithTheConnection()
+{
+    fill();
+    find<QPushButton>("addGatewayButton")->click();
+    for (const char *field : {"addCallsignEdit", "addGatewayNameEdit", "addPicNameEdit", "addPasswordEdit"})
+        find<QLineEdit>(field)->setText(q("YH8RXX"));
+    find<QCheckBox>("addApprovedCheck")->setChecked(true);
+    m_prompts->accept();
+    find<QPushButton>("addGatewaySubmitButton")->click();
+    m_server->send(q("REGISTER_OK|Registrasi berhasil"));
+    QVERIFY(m_server->waitForLine(q("ADMIN_PENDING"))); // the refresh that follows
+    m_server->drop();
+    QTRY_VERIFY(find<QLabel>("adminConnectionNotice")->isVisible());
+    QSignalSpy connected(m_client.get(), &TcpClient::connected);
+    m_client->connectToServer(m_server->host(), m_server->port());
+    QVERIFY(connected.wait());
+    QVERIFY(m_server->waitForClient(2));
+    m_server->clear();
+    m_server->send(q("ADMIN_ALL_USERS|[{\"id\":9,\"callsign\":\"YH8RXX\"}]"));
+    QTRY_COMPARE(rowsOf(*m_panel, "allUsersTable"), 1);
+    QCOMPARE(sent(), QStringList());
 }
 
 void AdminPanelTest::enterInAFieldPressesNoButton()

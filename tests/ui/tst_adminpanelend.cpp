@@ -6,16 +6,23 @@
 #include "support/TestMain.h"
 #include "ui/admin/AdminPanel.h"
 
+#include <QAction>
+#include <QApplication>
 #include <QComboBox>
+#include <QContextMenuEvent>
 #include <QLabel>
 #include <QLineEdit>
 #include <QListWidget>
+#include <QMenu>
+#include <QPointer>
 #include <QPushButton>
 #include <QSignalSpy>
 #include <QTabWidget>
 #include <QTableView>
 #include <QTimer>
+#include <QToolButton>
 
+#include <functional>
 #include <memory>
 
 namespace {
@@ -43,6 +50,9 @@ private slots:
     void closesForAnybodyElse();
     void sendsNothingFromAnOpenDialog();
     void sendsNothingAfterAnOpenBox();
+    void goesUnderABoxOfAMenu_data();
+    void goesUnderABoxOfAMenu();
+    void goesUnderABoxOfAToolButton();
     void opensDialogsForTheChosen();
     void bearsHostileLists_data();
     void bearsHostileLists();
@@ -54,12 +64,16 @@ private:
     }
     /// Sends it, and waits until it and all before it were dispatched.
     void tell(const QString &line);
+    /// Answers the next box only after the panel's administrator is none any more and the panel is deleted, which it
+    /// is when it closes.
+    void endUnderTheNextBox(std::function<void()> whileOpen = {});
     [[nodiscard]] QStringList sent() { return AdminUsers::sentBy(m_client.get(), m_server.get()); }
 
     std::unique_ptr<FakeServer> m_server;
     std::unique_ptr<TcpClient> m_client;
     std::unique_ptr<ScriptedPrompts> m_prompts;
     std::unique_ptr<AdminPanel> m_panel;
+    QPointer<AdminPanel> m_ending;
 };
 
 void AdminPanelEndTest::init()
@@ -83,6 +97,7 @@ void AdminPanelEndTest::init()
 void AdminPanelEndTest::cleanup()
 {
     m_panel.reset();
+    delete m_ending;
     m_client.reset();
     m_server.reset();
     m_prompts.reset();
@@ -160,6 +175,76 @@ void AdminPanelEndTest::sendsNothingAfterAnOpenBox()
     find<QTableView>("allUsersTable")->selectRow(1);
     m_prompts->accept([this] { tell(q("LOGIN_OK|token|YB4D|False|4")); });
     m_panel->onDeleteUser();
+    QCOMPARE(sent(), QStringList());
+}
+
+void AdminPanelEndTest::endUnderTheNextBox(std::function<void()> whileOpen)
+{
+    m_ending = m_panel.release();
+    m_ending->setAttribute(Qt::WA_DeleteOnClose);
+    m_prompts->accept([this, whileOpen] {
+        if (whileOpen)
+            whileOpen();
+        tell(q("USER_PROFILE|{\"id\":4,\"is_admin\":false}"));
+        QTRY_VERIFY(!m_ending);
+    });
+}
+
+void AdminPanelEndTest::goesUnderABoxOfAMenu_data()
+{
+    QTest::addColumn<int>("tab");
+    QTest::addColumn<QString>("view");
+    QTest::addColumn<QString>("action");
+    QTest::addColumn<QStringList>("lines");
+    QTest::newRow("delete user") << 2 << q("allUsersTable") << q("deleteAction") << QStringList();
+    QTest::newRow("reset device") << 2 << q("allUsersTable") << q("resetHwidAction")
+                                  << QStringList(q("ADMIN_RESET_HWID 4"));
+    QTest::newRow("nobody to approve") << 4 << q("pendingTable") << q("approvePendingAction") << QStringList();
+    QTest::newRow("request") << 5 << q("hwidRequestsList") << q("approveHwidAction")
+                             << QStringList(q("ADMIN_RESET_HWID 8"));
+}
+
+/// The menu is the view's own, and the view goes with the panel.
+void AdminPanelEndTest::goesUnderABoxOfAMenu()
+{
+    QFETCH(int, tab);
+    QFETCH(QString, view);
+    QFETCH(QString, action);
+    QFETCH(QStringList, lines);
+    tell(q("ADMIN_NOTIFICATION|HWID_RESET_REQUEST|YB2B|8"));
+    find<QTabWidget>("adminTabs")->setCurrentIndex(tab);
+    auto *list = m_panel->findChild<QAbstractItemView *>(view);
+    bool hadMenu = false;
+    endUnderTheNextBox([list, &hadMenu] { hadMenu = list->findChild<QMenu *>() != nullptr; });
+    QTimer::singleShot(0, list, [list, action] {
+        auto *menu = list->findChild<QMenu *>();
+        QVERIFY(menu);
+        for (QAction *entry : menu->actions()) {
+            if (entry->objectName() == action)
+                QTest::mouseClick(menu, Qt::LeftButton, {}, menu->actionGeometry(entry).center());
+        }
+    });
+    const QPoint place(20, 10); // in the first row, where there is one
+    QTest::mouseClick(list->viewport(), Qt::RightButton, {}, place);
+    QContextMenuEvent event(QContextMenuEvent::Mouse, place, list->viewport()->mapToGlobal(place));
+    QApplication::sendEvent(list->viewport(), &event);
+    QTRY_VERIFY(m_prompts->isDone());
+    QVERIFY(!m_ending);
+    QVERIFY2(!hadMenu, "the menu is gone before a box opens");
+    QCOMPARE(sent(), lines);
+}
+
+/// The button writes to itself when the click is over.
+void AdminPanelEndTest::goesUnderABoxOfAToolButton()
+{
+    find<QTabWidget>("adminTabs")->setCurrentIndex(2);
+    find<QTableView>("allUsersTable")->selectRow(1);
+    auto *button = find<QToolButton>("deleteActionButton");
+    endUnderTheNextBox();
+    QTest::mouseClick(button, Qt::LeftButton);
+    QVERIFY2(m_prompts->seen().isEmpty(), "no box opens inside the click");
+    QTRY_VERIFY(m_prompts->isDone());
+    QVERIFY(!m_ending);
     QCOMPARE(sent(), QStringList());
 }
 

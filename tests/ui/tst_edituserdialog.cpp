@@ -187,24 +187,37 @@ void EditUserDialogTest::expiries_data()
 {
     QTest::addColumn<QString>("told");
     QTest::addColumn<QString>("sent");
-    QTest::newRow("a date") << q("2027-02-28") << q("2027-02-28");
-    QTest::newRow("a date long past") << q("1999-12-31") << q("1999-12-31");
-    QTest::newRow("with the time of day") << q("2027-02-28T10:00:00") << q("2027-02-28");
-    QTest::newRow("none stays none") << QString() << QString();
-    QTest::newRow("no date at all") << q("soon") << QString();
-    QTest::newRow("a day that does not exist") << q("2027-02-30") << QString();
+    QTest::addColumn<bool>("isDate");
+    QTest::newRow("a date") << q("2027-02-28") << q("2027-02-28") << true;
+    QTest::newRow("a date long past") << q("1999-12-31") << q("1999-12-31") << true;
+    QTest::newRow("with the time of day") << q("2027-02-28T10:00:00") << q("2027-02-28") << true;
+    QTest::newRow("as the field shows it") << q("31/05/2027") << q("2027-05-31") << true;
+    QTest::newRow("as the field shows it, with the time of day") << q("02/01/2027 10:00") << q("2027-01-02") << true;
+    QTest::newRow("none stays none") << QString() << QString() << false;
+    QTest::newRow("no date at all") << q("soon") << q("soon") << false;
+    QTest::newRow("a day that does not exist") << q("2027-02-30") << q("2027-02-30") << false;
+    QTest::newRow("month and day in turn") << q("05/31/2027") << q("05/31/2027") << false;
+    QTest::newRow("a text that is no field") << q("so\non \"x\"") << q("so on 'x'") << false;
+    QTest::newRow("a long text") << QString(300, QLatin1Char('x')) << QString(300, QLatin1Char('x')) << false;
 }
 
 void EditUserDialogTest::expiries()
 {
     QFETCH(QString, told);
     QFETCH(QString, sent);
+    QFETCH(bool, isDate);
     open(user(7, {{q("license_expiry"), told}}));
     QCOMPARE(m_dialog->account().permitExpiry, sent);
-    QCOMPARE(find<QDateEdit>("editExpiryDate")->isEnabled(), !sent.isEmpty());
+    QCOMPARE(find<QDateEdit>("editExpiryDate")->isEnabled(), isDate);
+    const auto *hint = m_dialog->findChild<QLabel *>(q("editUnreadableExpiry"));
+    QCOMPARE(hint && hint->isVisible(), !isDate && !told.isEmpty());
+    QVERIFY(!hint || hint->text().contains(sent.left(200)));
     find<QGroupBox>("editExpiryGroup")->setChecked(true); // one may be given
     find<QDateEdit>("editExpiryDate")->setDate(QDate(2030, 1, 2));
     QCOMPARE(m_dialog->account().permitExpiry, q("2030-01-02"));
+    QVERIFY(!hint || !hint->isVisible());
+    find<QGroupBox>("editExpiryGroup")->setChecked(false); // and taken away
+    QCOMPARE(m_dialog->account().permitExpiry, QString());
 }
 
 void EditUserDialogTest::savesWhatIsThere()
@@ -264,12 +277,20 @@ void EditUserDialogTest::recordsCannotSmuggleCommands()
 
 void EditUserDialogTest::longTextsOfTheServerSurvive()
 {
-    const QString longest(200, QLatin1Char('W'));
-    open(user(7, {{q("location"), longest}}));
-    QCOMPARE(m_dialog->account().location, longest);
-    open(user(7, {{q("location"), QString(1000000, QLatin1Char('W'))}, {q("callsign"), QString(500000, q("W")[0])}}));
-    QCOMPARE(m_dialog->account().location, longest);
-    QVERIFY(m_dialog->width() <= 1024);
+    for (const int length : {200, 201, 1000000}) {
+        const QString text(length, QLatin1Char('W'));
+        open(user(7, {{q("location"), text}, {q("callsign"), text}, {q("status"), text.toLower()}}));
+        QCOMPARE(m_dialog->account().location, text);
+        QCOMPARE(m_dialog->account().status, text.toLower());
+        QVERIFY(m_dialog->windowTitle().size() < 250);
+        QVERIFY(m_dialog->width() <= 1024);
+    }
+    open(user(7, {{q("location"), QString(300, QLatin1Char('W'))}, {q("email"), q(" a@b.id ")}}));
+    QCOMPARE(m_dialog->account().email, q(" a@b.id "));
+    QTest::keyClick(find<QLineEdit>("editLocationEdit"), Qt::Key_Backspace);
+    find<QLineEdit>("editLocationEdit")->end(false);
+    QTest::keyClick(find<QLineEdit>("editLocationEdit"), Qt::Key_Backspace);
+    QCOMPARE(m_dialog->account().location, QString(299, QLatin1Char('W')));
 }
 
 void EditUserDialogTest::passwords_data()

@@ -55,6 +55,8 @@ private slots:
     void tellsTheVerdict();
     void writesTheAddress();
     void keepsATypedLocationWithoutAnAddress();
+    void clearsTheAddressOfAnEarlierCallsign_data();
+    void clearsTheAddressOfAnEarlierCallsign();
     void failsWithoutAnAnswer_data();
     void failsWithoutAnAnswer();
     void anAnswerForAnOlderTextChangesNothing();
@@ -249,6 +251,33 @@ void GatewayPageTest::keepsATypedLocationWithoutAnAddress()
     m_rig->type("callsignEdit", q("YH0AC"));
     QTRY_COMPARE(status(), q("Terverifikasi DJID"));
     QCOMPARE(m_rig->text("locationEdit"), q("di bukit"));
+}
+
+void GatewayPageTest::clearsTheAddressOfAnEarlierCallsign_data()
+{
+    QTest::addColumn<QString>("typed"); // empty: the registry's address is left as it is
+    QTest::addColumn<QString>("location");
+    QTest::newRow("the registry's") << QString() << QString();
+    QTest::newRow("typed over it") << q("di bukit") << q("di bukit");
+}
+
+void GatewayPageTest::clearsTheAddressOfAnEarlierCallsign()
+{
+    QFETCH(QString, typed);
+    QFETCH(QString, location);
+    enter();
+    m_rig->registry.list(q("YH0AC"), FakeRegistry::entry({}, q("JL.  MERDEKA 1"), {}, {}));
+    for (const char *callsign : {"YH0AD", "YH0AE"})
+        m_rig->registry.list(q(callsign), FakeRegistry::entry({}, q(""), {}, {}));
+    m_rig->type("callsignEdit", q("YH0AC"));
+    QTRY_COMPARE(m_rig->text("locationEdit"), q("JL. MERDEKA 1"));
+    if (!typed.isEmpty())
+        m_rig->type("locationEdit", typed);
+    for (const char *callsign : {"YH0AD", "YH0AE"}) {
+        m_rig->type("callsignEdit", q(callsign));
+        QTRY_COMPARE(status(), q("Terverifikasi DJID"));
+        QCOMPARE(m_rig->text("locationEdit"), location);
+    }
 }
 
 void GatewayPageTest::failsWithoutAnAnswer_data()

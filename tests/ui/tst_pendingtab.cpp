@@ -134,7 +134,7 @@ void PendingTabTest::approves()
     else if (way == q("context menu"))
         table()->actions().first()->trigger();
     QCOMPARE(table()->contextMenuPolicy(), Qt::ActionsContextMenu);
-    QCOMPARE(approved.count(), 1);
+    QTRY_COMPARE(approved.count(), 1);
     QCOMPARE(approved.first().first().toInt(), 12);
     QCOMPARE(refresh.count(), 1);
 }

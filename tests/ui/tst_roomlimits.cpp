@@ -20,11 +20,13 @@ private slots:
     void roomsAreBounded();
     void renamingKeepsTheLimit_data();
     void renamingKeepsTheLimit();
-    void unknownIsAskedFor();
+    void unknownIsProposed();
     void unknownIsEnteredByKeyboard();
+    void renamedRoomKeepsWhatWasEntered();
     void limitsMayComeLate();
+    void limitsMayComeBeforeTheNewName();
     void enteredLimitSurvivesTheServersNext();
-    void lostLimitsAreNotKnown();
+    void lostLimitIsKeptAndHintedAt();
 };
 
 namespace {
@@ -115,24 +117,22 @@ void RoomLimitsTest::renamingKeepsTheLimit()
     QCOMPARE(rig.sent(), QStringList(q("ADMIN_EDIT_ROOM \"Alpha\" \"Beta\" %1 \"\"").arg(limit)));
 }
 
-void RoomLimitsTest::unknownIsAskedFor()
+void RoomLimitsTest::unknownIsProposed()
 {
     Rig rig("Lobby,Alpha", false);
     rig.select(1);
-    QCOMPARE(maximum(rig)->text(), q("Unknown"));
+    rig.prompts.enter(q("New"));
+    rig.prompts.cancel();
+    rig.click("addRoomButton");
+    QCOMPARE(maximum(rig)->value(), rig.prompts.seen().last().value); // as for a new room
+    QVERIFY(maximum(rig)->isEnabled());
     QVERIFY(rig.find<QLabel>("roomLimitHint")->isVisible());
-    QVERIFY(!rig.find<QPushButton>("saveRoomButton")->isEnabled());
+    QCOMPARE(rig.find<QLabel>("roomLimitHint")->text(),
+             q("The server does not tell the present limit. Saving sets the one above."));
     rename(rig, "Beta");
-    rig.tab.onEditRoom(); // as Enter in the name does
-    QCOMPARE(rig.sent(), QStringList());
-    QVERIFY(maximum(rig)->hasFocus());
-    maximum(rig)->stepUp();
-    QCOMPARE(maximum(rig)->text(), q("No limit"));
-    QVERIFY(!rig.find<QLabel>("roomLimitHint")->isVisible());
     rig.click("saveRoomButton");
-    QCOMPARE(rig.sent(), QStringList(q("ADMIN_EDIT_ROOM \"Alpha\" \"Beta\" 0 \"\"")));
-    maximum(rig)->stepDown(); // there is no way back to not knowing
-    QCOMPARE(maximum(rig)->text(), q("No limit"));
+    QCOMPARE(rig.sent(), QStringList(q("ADMIN_EDIT_ROOM \"Alpha\" \"Beta\" 50 \"\"")));
+    QCOMPARE(rig.refreshes.size(), 1);
 }
 
 void RoomLimitsTest::unknownIsEnteredByKeyboard()
@@ -142,10 +142,23 @@ void RoomLimitsTest::unknownIsEnteredByKeyboard()
     maximum(rig)->setFocus();
     maximum(rig)->selectAll();
     QTest::keyClicks(maximum(rig), q("25"));
-    QCOMPARE(maximum(rig)->value(), 25);
-    QVERIFY(rig.find<QPushButton>("saveRoomButton")->isEnabled());
-    rig.click("saveRoomButton");
+    QTest::keyClick(rig.find<QLineEdit>("roomNameEdit"), Qt::Key_Return);
     QCOMPARE(rig.sent(), QStringList(q("ADMIN_EDIT_ROOM \"Lobby\" \"Lobby\" 25 \"\"")));
+    QVERIFY(rig.find<QLabel>("roomLimitHint")->isVisible()); // told by nobody yet
+}
+
+/// With a server that never tells a limit.
+void RoomLimitsTest::renamedRoomKeepsWhatWasEntered()
+{
+    Rig rig("Lobby,Alpha", false);
+    rig.select(1);
+    rename(rig, "Beta");
+    maximum(rig)->setValue(25);
+    rig.click("saveRoomButton");
+    rig.tab.showRooms(names("Lobby,Beta"));
+    QCOMPARE(rig.selected(), q("Beta"));
+    QCOMPARE(rig.find<QLineEdit>("roomNameEdit")->text(), q("Beta"));
+    QCOMPARE(maximum(rig)->value(), 25);
 }
 
 void RoomLimitsTest::limitsMayComeLate()
@@ -156,11 +169,23 @@ void RoomLimitsTest::limitsMayComeLate()
     rig.tab.showLimits({{q("Alpha"), 7}});
     QCOMPARE(maximum(rig)->value(), 7);
     QCOMPARE(rig.find<QLineEdit>("roomNameEdit")->text(), q("half typed"));
-    QVERIFY(rig.find<QPushButton>("saveRoomButton")->isEnabled());
+    QVERIFY(!rig.find<QLabel>("roomLimitHint")->isVisible());
     rig.tab.showLimits({{q("Alpha"), 8}}); // changed by somebody else
     QCOMPARE(maximum(rig)->value(), 8);
     rig.select(0);
-    QCOMPARE(maximum(rig)->text(), q("Unknown"));
+    QVERIFY(rig.find<QLabel>("roomLimitHint")->isVisible());
+}
+
+void RoomLimitsTest::limitsMayComeBeforeTheNewName()
+{
+    Rig rig("Lobby,Alpha");
+    rig.select(1);
+    rename(rig, "Beta");
+    rig.click("saveRoomButton");
+    rig.tab.showLimits({{q("Lobby"), 0}, {q("Beta"), 9}});
+    rig.tab.showRooms(names("Lobby,Beta"));
+    QCOMPARE(maximum(rig)->value(), 9);
+    QVERIFY(!rig.find<QLabel>("roomLimitHint")->isVisible());
 }
 
 void RoomLimitsTest::enteredLimitSurvivesTheServersNext()
@@ -175,14 +200,17 @@ void RoomLimitsTest::enteredLimitSurvivesTheServersNext()
     QCOMPARE(maximum(rig)->value(), 31);
 }
 
-void RoomLimitsTest::lostLimitsAreNotKnown()
+void RoomLimitsTest::lostLimitIsKeptAndHintedAt()
 {
     Rig rig;
     rig.tab.showLimits({{q("Lobby"), 7}});
     rig.select(0);
     rig.tab.showLimits({});
-    QCOMPARE(maximum(rig)->text(), q("Unknown"));
-    QVERIFY(!rig.find<QPushButton>("saveRoomButton")->isEnabled());
+    QCOMPARE(maximum(rig)->value(), 7);
+    QVERIFY(rig.find<QLabel>("roomLimitHint")->isVisible());
+    rig.tab.showLimits({{q("Lobby"), 8}}); // back again
+    QCOMPARE(maximum(rig)->value(), 8);
+    QVERIFY(!rig.find<QLabel>("roomLimitHint")->isVisible());
 }
 
 EVOX_TEST_MAIN(RoomLimitsTest, QApplication)

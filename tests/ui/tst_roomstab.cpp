@@ -41,6 +41,8 @@ private slots:
     void unsavedOrderSurvivesARefresh();
     void refreshKeepsSelectionAndTyping();
     void longNamesAreCut();
+    void longNamesAreNotChangedUnasked_data();
+    void longNamesAreNotChangedUnasked();
     void thousandsOfRooms();
     void mayGoWhileABoxIsOpen_data();
     void mayGoWhileABoxIsOpen();
@@ -420,6 +422,30 @@ void RoomsTabTest::longNamesAreCut()
     QVERIFY(rig.prompts.seen().first().text.size() < 300);
     QVERIFY(rig.sent().first().endsWith(q("WX\""))); // which room it is nobody cuts
     QVERIFY(!rig.tab.grab().isNull());
+}
+
+void RoomsTabTest::longNamesAreNotChangedUnasked_data()
+{
+    QTest::addColumn<QString>("name");
+    QTest::newRow("longer than one that is entered here") << QString(150, QLatin1Char('x'));
+    QTest::newRow("longer than a field shows") << QString(50000, QLatin1Char('x'));
+    QTest::newRow("blanks around it") << q(" Lobby ");
+}
+
+void RoomsTabTest::longNamesAreNotChangedUnasked()
+{
+    QFETCH(QString, name);
+    Rig rig("");
+    rig.tab.showRooms({name});
+    rig.select(0);
+    rig.find<QSpinBox>("roomMaximumSpin")->setValue(7);
+    rig.click("saveRoomButton");
+    QTest::keyClick(rig.find<QLineEdit>("roomNameEdit"), Qt::Key_Return);
+    const QString line = q("ADMIN_EDIT_ROOM \"") + name + q("\" \"") + name + q("\" 7 \"\"");
+    QCOMPARE(rig.sent(), QStringList({line, line}));
+    rig.find<QLineEdit>("roomNameEdit")->setText(q("short"));
+    rig.click("saveRoomButton");
+    QVERIFY(rig.sent().last().endsWith(q("\" \"short\" 7 \"\"")));
 }
 
 void RoomsTabTest::thousandsOfRooms()

@@ -120,7 +120,8 @@ QToolBar *AllUsersTab::createToolBar()
         auto *action = new QAction(QIcon(QLatin1String(row.icon)), QLatin1String(row.text), this);
         action->setObjectName(QLatin1String(row.name));
         action->setToolTip(QLatin1String(row.tip));
-        connect(action, &QAction::triggered, this, row.slot);
+        // Not inside the menu or the mouse event: a box would return there, and they may be gone with the panel.
+        connect(action, &QAction::triggered, this, row.slot, Qt::QueuedConnection);
         bar->addAction(action);
         m_table->addAction(action);
         QWidget *button = bar->widgetForAction(action);
@@ -142,10 +143,11 @@ void AllUsersTab::createTable()
     m_table->setObjectName(QStringLiteral("allUsersTable"));
     m_table->setAccessibleName(QStringLiteral("All Registered Users"));
     m_table->setContextMenuPolicy(Qt::ActionsContextMenu);
-    connect(m_table, &UserTableView::activated, this, [this](const QModelIndex &index) {
+    const auto edit = [this](const QModelIndex &index) {
         if (index.column() != m_table->model()->columnCount() - 1) // which has buttons of its own
             onEditUser();
-    });
+    };
+    connect(m_table, &UserTableView::activated, this, edit, Qt::QueuedConnection);
     connect(m_table, &UserTableView::editClicked, this, &AllUsersTab::onEditUser);
     connect(m_table, &UserTableView::deleteClicked, this, &AllUsersTab::onDeleteUser);
 }
@@ -285,23 +287,28 @@ void AllUsersTab::onRegisterResult(bool success, const QString &message)
         return;
     }
     if (registration.isApproved)
-        m_approvedOnceListed.append(registration.callsign);
+        m_toApprove.append(registration.callsign);
     emit refreshRequested();
 }
 
 void AllUsersTab::forgetRegistrations()
 {
     m_registering.clear();
+    m_toApprove.clear();
 }
 
+/// No answer says whose it is, and a registration may stay without one. Only when all are answered it is certain that
+/// none of the answers was another one's; before that somebody else's account could be approved.
 void AllUsersTab::approveListed()
 {
-    const QStringList awaited = std::exchange(m_approvedOnceListed, {});
+    if (!m_registering.isEmpty())
+        return;
+    const QStringList awaited = std::exchange(m_toApprove, {});
     bool approves = false;
     for (const QString &callsign : awaited) {
         const int userId = idOf(callsign);
         if (userId < 1) { // a list that was on its way already does not know it yet
-            m_approvedOnceListed.append(callsign);
+            m_toApprove.append(callsign);
             continue;
         }
         emit approveRequested(userId);

@@ -49,7 +49,7 @@ public slots:
     void onAddGateway();
     /// The server's answer to a gateway that was added here; any other one is not for this tab.
     void onRegisterResult(bool success, const QString &message);
-    /// The connection is another one: what was asked for is answered no more.
+    /// The connection is another one: what was asked for is answered no more, and nobody is approved for it.
     void forgetRegistrations();
 
 private:
@@ -75,5 +75,5 @@ private:
         bool isApproved = false; ///< what the form said
     };
     QList<Registration> m_registering; ///< those that the server has not answered yet, in the order of asking
-    QStringList m_approvedOnceListed;  ///< callsigns that are registered, their ids not known yet
+    QStringList m_toApprove;           ///< callsigns that are registered, as far as the order of the answers tells
 };

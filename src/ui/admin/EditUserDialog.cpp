@@ -2,6 +2,8 @@
 
 #include "ui/ElidedLabel.h"
 #include "ui/Prompts.h"
+#include "ui/admin/ShownText.h"
+#include "ui/admin/ToldEdit.h"
 #include "ui/admin/UserRecord.h"
 #include "ui/setup/InputRules.h"
 
@@ -21,9 +23,9 @@
 
 namespace {
 
-constexpr int kLongestField = 200;   // characters; a shorter limit would cut what the server keeps
+constexpr int kLongestField = 200;   // characters that are typed; a text of the server may have more
 constexpr int kShortestPassword = 4; // characters; shorter than what users may choose for themselves
-constexpr int kDateLength = 10;      // of yyyy-MM-dd; a time of day may follow
+constexpr int kDateLength = 10;      // of yyyy-MM-dd and dd/MM/yyyy; a time of day may follow
 constexpr int kProposedYears = 5;    // of a permit that has no end yet
 constexpr int kWidth = 840;
 constexpr int kHeight = 520; // logical pixels; fits a screen of 600
@@ -31,23 +33,25 @@ constexpr int kHeight = 520; // logical pixels; fits a screen of 600
 /// Texts of the server go back to it: a line break in one would begin a command of its own.
 QString lineOf(const QString &text)
 {
-    return InputRules::withoutQuotes(ElidedLabel::oneLine(text.left(kLongestField)));
+    return InputRules::withoutQuotes(ElidedLabel::oneLine(text));
 }
 
-QLineEdit *addField(QFormLayout *form, const QString &label, const char *name, const QString &text)
+ToldEdit *addField(QFormLayout *form, const QString &label, const char *name, const QString &text)
 {
-    auto *edit = new QLineEdit(lineOf(text));
+    auto *edit = new ToldEdit(kLongestField);
     edit->setObjectName(QLatin1String(name));
-    edit->setMaxLength(kLongestField);
-    edit->setCursorPosition(0);
     InputRules::refuseQuotes(*edit);
+    edit->tell(lineOf(text));
     form->addRow(label, edit);
     return edit;
 }
 
-QString textOf(const QLineEdit *edit)
+/// Invalid for a text that is no date.
+QDate dateOf(const QString &text)
 {
-    return ElidedLabel::oneLine(edit->text()).trimmed(); // what was pasted may have several lines
+    const QString day = text.left(kDateLength);
+    const QDate date = QDate::fromString(day, Qt::ISODate);
+    return date.isValid() ? date : QDate::fromString(day, QStringLiteral("dd/MM/yyyy"));
 }
 
 QPushButton *button(const QString &text, const char *name)
@@ -64,7 +68,7 @@ EditUserDialog::EditUserDialog(const QVariantMap &user, Prompts &prompts, QWidge
     : QDialog(parent)
     , m_prompts(prompts)
     , m_userId(UserRecord::id(user))
-    , m_callsign(lineOf(UserRecord::callsign(user)))
+    , m_callsign(shownText(UserRecord::callsign(user)))
 {
     setObjectName(QStringLiteral("editUserDialog"));
     setWindowTitle(QStringLiteral("Edit User - ") + m_callsign);
@@ -113,19 +117,19 @@ QWidget *EditUserDialog::createAccount(const QVariantMap &user)
 {
     auto *page = new QWidget;
     auto *form = new QFormLayout(page);
-    QLineEdit *name = addField(form, QStringLiteral("Name:"), "editNameEdit", UserRecord::name(user));
+    ToldEdit *name = addField(form, QStringLiteral("Name:"), "editNameEdit", UserRecord::name(user));
     name->setReadOnly(true); // the person's own; no command changes it
     m_picName = addField(form, QStringLiteral("PIC Name:"), "editPicNameEdit", UserRecord::picName(user));
     m_picCallsign =
         addField(form, QStringLiteral("PIC Callsign:"), "editPicCallsignEdit", UserRecord::picCallsign(user));
     m_status = new QComboBox(page);
     m_status->setObjectName(QStringLiteral("editStatusCombo"));
-    m_status->addItems(
-        {QStringLiteral("active"), QStringLiteral("pending"), QStringLiteral("suspended"), QStringLiteral("banned")});
+    for (const char *status : {"active", "pending", "suspended", "banned"})
+        m_status->addItem(QLatin1String(status), QLatin1String(status));
     const QString status = lineOf(UserRecord::status(user));
-    if (m_status->findText(status) < 0)
-        m_status->addItem(status); // one that only the server knows is not changed unasked
-    m_status->setCurrentText(status);
+    if (m_status->findData(status) < 0)
+        m_status->addItem(shownText(status), status); // one that only the server knows is not changed unasked
+    m_status->setCurrentIndex(m_status->findData(status));
     form->addRow(QStringLiteral("Status:"), m_status);
     m_approved = new QCheckBox(QStringLiteral("Approved for Transmit"), page);
     m_approved->setObjectName(QStringLiteral("editApprovedCheck"));
@@ -157,7 +161,9 @@ QGroupBox *EditUserDialog::createExpiry(const QVariantMap &user)
     m_expires = new QGroupBox(QStringLiteral("License Expiry (Ijin DJID)"));
     m_expires->setObjectName(QStringLiteral("editExpiryGroup"));
     m_expires->setCheckable(true);
-    const QDate expiry = QDate::fromString(UserRecord::expiry(user).left(kDateLength), Qt::ISODate);
+    const QString told = lineOf(UserRecord::expiry(user));
+    const QDate expiry = dateOf(told);
+    m_unreadableExpiry = expiry.isValid() ? QString() : told;
     m_expires->setChecked(expiry.isValid());
     m_expiry = new QDateEdit(expiry.isValid() ? expiry : QDate::currentDate().addYears(kProposedYears));
     m_expiry->setObjectName(QStringLiteral("editExpiryDate"));
@@ -170,8 +176,24 @@ QGroupBox *EditUserDialog::createExpiry(const QVariantMap &user)
     note->setWordWrap(true);
     auto *form = new QFormLayout(m_expires);
     form->addRow(QStringLiteral("Expiry Date:"), m_expiry);
+    if (!m_unreadableExpiry.isEmpty())
+        form->addRow(createUnreadableExpiry());
     form->addRow(note);
     return m_expires;
+}
+
+/// Checking the group is the operator's decision, as is unchecking it again.
+QLabel *EditUserDialog::createUnreadableExpiry()
+{
+    auto *hint = new QLabel(QLatin1String("Not readable as a date, kept as it is: ") + shownText(m_unreadableExpiry));
+    hint->setObjectName(QStringLiteral("editUnreadableExpiry"));
+    hint->setTextFormat(Qt::PlainText);
+    hint->setWordWrap(true);
+    connect(m_expires, &QGroupBox::toggled, hint, [this, hint] {
+        m_unreadableExpiry.clear();
+        hint->hide();
+    });
+    return hint;
 }
 
 QGroupBox *EditUserDialog::createPassword()
@@ -228,18 +250,18 @@ QHBoxLayout *EditUserDialog::createButtons()
 Commands::Account EditUserDialog::account() const
 {
     Commands::Account account;
-    account.picName = textOf(m_picName);
-    account.picCallsign = textOf(m_picCallsign);
-    account.status = m_status->currentText();
-    account.gatewayName = textOf(m_gatewayName);
-    account.frequency = textOf(m_frequency);
-    account.location = textOf(m_location);
-    account.email = textOf(m_email);
-    account.whatsapp = textOf(m_whatsapp);
+    account.picName = m_picName->value();
+    account.picCallsign = m_picCallsign->value();
+    account.status = m_status->currentData().toString();
+    account.gatewayName = m_gatewayName->value();
+    account.frequency = m_frequency->value();
+    account.location = m_location->value();
+    account.email = m_email->value();
+    account.whatsapp = m_whatsapp->value();
     account.approved = m_approved->isChecked();
     account.admin = m_admin->isChecked();
-    if (m_expires->isChecked())
-        account.permitExpiry = m_expiry->date().toString(QStringLiteral("yyyy-MM-dd"));
+    account.permitExpiry =
+        m_expires->isChecked() ? m_expiry->date().toString(QStringLiteral("yyyy-MM-dd")) : m_unreadableExpiry;
     return account;
 }
 

@@ -13,6 +13,7 @@ class QGroupBox;
 class QHBoxLayout;
 class QLabel;
 class QLineEdit;
+class ToldEdit;
 
 /// Everything an administrator may change of one user. Works on a copy of the record; asks for commands, sends none.
 class EditUserDialog final : public QDialog
@@ -24,7 +25,8 @@ public:
     /// The record names its user by an id of 1 or more.
     EditUserDialog(const QVariantMap &user, Prompts &prompts, QWidget *parent = nullptr);
 
-    /// What the fields say now, on one line each. Without a date the account does not expire.
+    /// What the fields say now, on one line each; what the operator left alone as the record has it. Without a date the
+    /// account does not expire.
     [[nodiscard]] Commands::Account account() const;
 
 signals:
@@ -40,6 +42,7 @@ private:
     [[nodiscard]] QGroupBox *createPassword();
     [[nodiscard]] QGroupBox *createDevice(const QVariantMap &user);
     [[nodiscard]] QHBoxLayout *createButtons();
+    [[nodiscard]] QLabel *createUnreadableExpiry();
     void setUpTabOrder();
     void resetPassword();
     void resetDevice();
@@ -49,18 +52,19 @@ private:
     Prompts &m_prompts;
     int m_userId;
     QString m_callsign;
-    QLineEdit *m_picName = nullptr;
-    QLineEdit *m_picCallsign = nullptr;
+    ToldEdit *m_picName = nullptr;
+    ToldEdit *m_picCallsign = nullptr;
     QComboBox *m_status = nullptr;
     QCheckBox *m_approved = nullptr;
     QCheckBox *m_admin = nullptr;
-    QLineEdit *m_gatewayName = nullptr;
-    QLineEdit *m_frequency = nullptr;
-    QLineEdit *m_location = nullptr;
-    QLineEdit *m_email = nullptr;
-    QLineEdit *m_whatsapp = nullptr;
+    ToldEdit *m_gatewayName = nullptr;
+    ToldEdit *m_frequency = nullptr;
+    ToldEdit *m_location = nullptr;
+    ToldEdit *m_email = nullptr;
+    ToldEdit *m_whatsapp = nullptr;
     QGroupBox *m_expires = nullptr;
     QDateEdit *m_expiry = nullptr;
+    QString m_unreadableExpiry; ///< as the record has it, until the operator decides otherwise
     QLineEdit *m_password = nullptr;
     QLabel *m_passwordStatus = nullptr;
     QLabel *m_device = nullptr;

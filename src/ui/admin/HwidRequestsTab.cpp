@@ -69,7 +69,8 @@ void HwidRequestsTab::createActions()
     m_dismiss->setObjectName(QStringLiteral("dismissHwidAction"));
     m_dismiss->setShortcut(QKeySequence::Delete);
     m_dismiss->setShortcutContext(Qt::WidgetShortcut);
-    connect(m_approve, &QAction::triggered, this, &HwidRequestsTab::approve);
+    // Not inside the menu: the box would return there, and the menu may be gone with the panel.
+    connect(m_approve, &QAction::triggered, this, &HwidRequestsTab::approve, Qt::QueuedConnection);
     connect(m_dismiss, &QAction::triggered, this, &HwidRequestsTab::dismiss);
     m_list->addActions({m_approve, m_dismiss});
     m_list->setContextMenuPolicy(Qt::ActionsContextMenu);

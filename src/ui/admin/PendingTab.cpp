@@ -57,8 +57,9 @@ void PendingTab::createTable()
     approve->setObjectName(QStringLiteral("approvePendingAction"));
     m_table->addAction(approve);
     m_table->setContextMenuPolicy(Qt::ActionsContextMenu);
-    connect(approve, &QAction::triggered, this, &PendingTab::onApproveSelected);
-    connect(m_table, &UserTableView::doubleClicked, this, &PendingTab::onApproveSelected);
+    // Not inside the menu or the mouse event: a box would return there, and they may be gone with the panel.
+    connect(approve, &QAction::triggered, this, &PendingTab::onApproveSelected, Qt::QueuedConnection);
+    connect(m_table, &UserTableView::doubleClicked, this, &PendingTab::onApproveSelected, Qt::QueuedConnection);
 }
 
 void PendingTab::showUsers(const QList<QVariantMap> &users)

@@ -5,13 +5,13 @@
 #include "ui/admin/EmptyState.h"
 #include "ui/admin/KeyboardChoice.h"
 #include "ui/admin/ShownText.h"
+#include "ui/admin/ToldEdit.h"
 #include "ui/setup/InputRules.h"
 
 #include <QFormLayout>
 #include <QGroupBox>
 #include <QHBoxLayout>
 #include <QLabel>
-#include <QLineEdit>
 #include <QListWidget>
 #include <QPointer>
 #include <QPushButton>
@@ -28,10 +28,9 @@
 
 namespace {
 
-constexpr int kProposedMaximum = 50; // users of a new room
+constexpr int kProposedMaximum = 50; // users of a new room, and of one whose limit is not known
 constexpr int kDetailsWidth = 360;   // logical pixels
 constexpr int kItemSpacing = 2;      // logical pixels
-constexpr int kUnknown = -1;         // users of a room whose limit the server has not told
 constexpr int kNameRole = Qt::UserRole;
 
 const QString kAddRoom = QStringLiteral("Add Room");
@@ -40,7 +39,7 @@ const QString kDeleteRoom = QStringLiteral("Delete Room");
 /// Lists of rooms travel with "," or "|" between the names, a name between double quotes, and all on one line.
 const QRegularExpression &nameRule()
 {
-    static const QRegularExpression rule(QStringLiteral("\\A[^\",|\\x{00}-\\x{1f}]{0,100}\\z"));
+    static const QRegularExpression rule(QStringLiteral("\\A[^\",|\\x{00}-\\x{1f}]*\\z"));
     return rule;
 }
 
@@ -145,26 +144,26 @@ QWidget *RoomsTab::createDetails()
     m_hint->setObjectName(QStringLiteral("roomHint"));
     m_hint->setProperty("hint", true);
     m_fields = new QWidget(group);
-    m_name = new QLineEdit(m_fields);
+    m_name = new ToldEdit(InputRules::kLongestText, m_fields);
     m_name->setObjectName(QStringLiteral("roomNameEdit"));
-    m_name->setMaxLength(InputRules::kLongestText);
     m_name->setValidator(new QRegularExpressionValidator(nameRule(), m_name));
     m_maximum = new QSpinBox(m_fields);
     m_maximum->setObjectName(QStringLiteral("roomMaximumSpin"));
-    connect(m_maximum, qOverload<int>(&QSpinBox::valueChanged), this, &RoomsTab::onMaximumChanged);
-    m_limitHint = new QLabel(QStringLiteral("The server has not told this limit. Enter one to save."), m_fields);
+    m_maximum->setSpecialValueText(QStringLiteral("No limit"));
+    m_limitHint =
+        new QLabel(QStringLiteral("The server does not tell the present limit. Saving sets the one above."), m_fields);
     m_limitHint->setObjectName(QStringLiteral("roomLimitHint"));
     m_limitHint->setProperty("hint", true);
     m_limitHint->setWordWrap(true);
-    m_save = createButton(QStringLiteral("Save Changes"), "saveRoomButton", "accent", m_fields);
-    connect(m_save, &QPushButton::clicked, this, &RoomsTab::onEditRoom);
-    connect(m_name, &QLineEdit::returnPressed, this, &RoomsTab::onEditRoom);
+    auto *save = createButton(QStringLiteral("Save Changes"), "saveRoomButton", "accent", m_fields);
+    connect(save, &QPushButton::clicked, this, &RoomsTab::onEditRoom);
+    connect(m_name, &ToldEdit::returnPressed, this, &RoomsTab::onEditRoom);
     auto *form = new QFormLayout(m_fields);
     form->setContentsMargins(0, 0, 0, 0);
     form->addRow(QStringLiteral("Name:"), m_name);
     form->addRow(QStringLiteral("Max Users:"), m_maximum);
     form->addRow(QString(), m_limitHint);
-    form->addRow(QString(), m_save);
+    form->addRow(QString(), save);
     auto *layout = new QVBoxLayout(group);
     layout->addWidget(m_hint);
     layout->addWidget(m_fields);
@@ -200,8 +199,11 @@ void RoomsTab::showRooms(const QStringList &rooms)
         !rooms.contains(renaming.from) && rooms.contains(renaming.to) && !ordered.contains(renaming.to);
     if (isRenamed) {
         std::replace(ordered.begin(), ordered.end(), renaming.from, renaming.to);
-        if (selected == renaming.from)
+        if (selected == renaming.from) {
             selected = renaming.to;
+            m_edited = renaming.to; // with the limit that was saved: the server may tell none
+            showLimits(m_limits);
+        }
     }
     const bool wasReordered = isReordered();
     const bool isNew = rooms != m_saved;
@@ -235,10 +237,13 @@ void RoomsTab::fill(const QStringList &rooms, const QString &selected)
 void RoomsTab::showLimits(const RoomLimits::Map &limits)
 {
     m_limits = limits;
-    const int told = limits.value(m_edited, kUnknown);
-    if (m_maximum->value() == m_toldMaximum && told != m_toldMaximum)
-        showMaximum(told);
-    m_toldMaximum = told; // what was entered stays
+    showLimitHint();
+    const auto told = limits.constFind(m_edited);
+    if (told == limits.cend())
+        return;
+    if (m_maximum->value() == m_shownMaximum)
+        showMaximum(*told);
+    m_shownMaximum = *told; // what was entered stays
 }
 
 void RoomsTab::onOrderChanged()
@@ -272,27 +277,21 @@ void RoomsTab::showDetails()
     if (room == m_edited)
         return; // what was typed stays
     m_edited = room;
-    m_name->setText(room);
-    m_toldMaximum = m_limits.value(room, kUnknown);
-    showMaximum(m_toldMaximum);
+    m_name->tell(room);
+    showMaximum(m_limits.value(room, kProposedMaximum));
+    showLimitHint();
 }
 
 void RoomsTab::showMaximum(int users)
 {
-    m_maximum->setRange(std::min(users, 0), std::max(users, kMostUsers)); // a larger one would be cut
+    m_maximum->setRange(0, std::max(users, kMostUsers)); // a larger one would be cut
     m_maximum->setValue(users);
-    onMaximumChanged(users);
+    m_shownMaximum = users;
 }
 
-/// "Unknown" can be left, but not be entered.
-void RoomsTab::onMaximumChanged(int users)
+void RoomsTab::showLimitHint()
 {
-    const bool isKnown = users != kUnknown;
-    if (isKnown)
-        m_maximum->setMinimum(0);
-    m_maximum->setSpecialValueText(isKnown ? QStringLiteral("No limit") : QStringLiteral("Unknown"));
-    m_save->setEnabled(isKnown);
-    m_limitHint->setVisible(!isKnown);
+    m_limitHint->setVisible(!m_limits.contains(m_edited));
 }
 
 void RoomsTab::onAddRoom()
@@ -301,7 +300,7 @@ void RoomsTab::onAddRoom()
     const QString name = m_prompts.text(kAddRoom, QStringLiteral("Room Name:")).value_or(QString()).trimmed();
     if (!self || name.isEmpty())
         return;
-    if (!nameRule().match(name).hasMatch()) {
+    if (name.size() > InputRules::kLongestText || !nameRule().match(name).hasMatch()) {
         m_prompts.warning(kAddRoom, QStringLiteral("A room name has at most 100 characters, none of them \" , or |"));
         return;
     }
@@ -329,14 +328,9 @@ void RoomsTab::onDeleteRoom()
 void RoomsTab::onEditRoom()
 {
     const QString room = selectedRoom();
-    const QString name = m_name->text().trimmed();
+    const QString name = m_name->value();
     if (room.isEmpty() || name.isEmpty())
         return;
-    if (m_maximum->value() == kUnknown) {
-        m_maximum->setFocus();
-        m_maximum->selectAll();
-        return;
-    }
     m_renaming = {room, name};
     emit commandRequested(Commands::editRoom(room, name, m_maximum->value()));
     emit refreshRequested();

@@ -7,14 +7,14 @@
 
 class Prompts;
 class QLabel;
-class QLineEdit;
 class QListWidget;
 class QPushButton;
 class QSpinBox;
+class ToldEdit;
 
 /// The server's rooms: their order, their names and how many users each takes. An order that was changed is kept when
-/// the server sends its list again, until that list has come in this order. A room whose limit the server has not told
-/// is not changed before the operator has entered one: every change sends a limit, which could be a wrong one.
+/// the server sends its list again, until that list has come in this order. Every change of a room sends a limit: the
+/// one that the server has told, or else one that is proposed, with a word that saving sets it.
 class RoomsTab final : public QWidget
 {
     Q_OBJECT
@@ -54,7 +54,7 @@ private:
     void showOrderSaved();
     void showDetails();
     void showMaximum(int users);
-    void onMaximumChanged(int users);
+    void showLimitHint();
 
     struct Renaming
     {
@@ -67,15 +67,14 @@ private:
     QStringList m_sent;  ///< the order that the server was asked for, until its next list
     RoomLimits::Map m_limits;
     QString m_edited;       ///< the room that the details are of
-    int m_toldMaximum = -1; ///< its limit as the server told it; -1: not known
+    int m_shownMaximum = 0; ///< its limit before the operator changes it
     Renaming m_renaming;    ///< asked for; the server's next list shows whether it came about
     QListWidget *m_list = nullptr;
     QPushButton *m_delete = nullptr;
     QLabel *m_orderStatus = nullptr;
     QLabel *m_hint = nullptr;
     QWidget *m_fields = nullptr;
-    QLineEdit *m_name = nullptr;
+    ToldEdit *m_name = nullptr;
     QSpinBox *m_maximum = nullptr;
     QLabel *m_limitHint = nullptr;
-    QPushButton *m_save = nullptr;
 };

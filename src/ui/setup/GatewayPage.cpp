@@ -136,12 +136,20 @@ void GatewayPage::onDjidResponse(QNetworkReply *reply)
         return;
     }
     const RegistryRecord record = RegistryRecord::read(reply->readAll(), QDate::currentDate());
-    if (!record.address.isEmpty()) // an empty one would only wipe out what was typed
-        m_location->setText(record.address);
+    showAddress(record.address);
     m_djidVerified = record.isPermitted();
     m_permitExpiry = record.expiry.toString(Qt::ISODate);
     showVerdict(record);
     emit completeChanged();
+}
+
+/// Without an address what was typed stays, but not the address of an earlier callsign.
+void GatewayPage::showAddress(const QString &address)
+{
+    if (address.isEmpty() && m_location->text() != m_registryAddress)
+        return;
+    m_location->setText(address);
+    m_registryAddress = m_location->text();
 }
 
 void GatewayPage::showVerdict(const RegistryRecord &record)

@@ -37,6 +37,7 @@ private slots:
 
 private:
     void createFields(const GatewayData &proposal);
+    void showAddress(const QString &address);
     void showVerdict(const RegistryRecord &record);
 
     Prompts &m_prompts;
@@ -48,6 +49,7 @@ private:
     AddressEdit *m_location = nullptr;
     LookupStatus *m_validity = nullptr;
     QTimer *m_debounce;
+    QString m_registryAddress; ///< the one that was shown last
     QString m_permitExpiry;
     bool m_djidVerified = false;
 };
