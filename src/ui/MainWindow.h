@@ -12,6 +12,7 @@
 
 class AdminPanel;
 class AudioEngine;
+class ChangePasswordDialog;
 class ControlPanel;
 class HwidRequests;
 class MainActions;
@@ -150,7 +151,9 @@ private:
     void applySettings(const Settings &settings);
     [[nodiscard]] QVariantMap ownProfile() const;
     void updateProfile(const Commands::OwnProfile &profile);
+    void requestPasswordChange(const QString &oldPassword, const QString &newPassword);
     void onPasswordChanged(bool success, const QString &message);
+    void forgetPasswordRequest();
     void onSerialConfigured(const QString &port);
     void openWebPage(const QString &path);
 
@@ -173,12 +176,14 @@ private:
     QTimer *m_udpRetryTimer = nullptr;
     QTimer *m_keepaliveTimer = nullptr; ///< made when UDP is first ready
 
-    QString m_serverAddress;                ///< the host of the present control connection
-    HwidRequests *m_hwidRequests = nullptr; ///< of this session, for a panel that is opened later
-    QPointer<AdminPanel> m_adminPanel;      ///< while it is open
-    QVariantMap m_serverInfo;               ///< as the server last told it on this connection
-    QVariantMap m_ownProfile;               ///< the own account as the server last told it; empty before
-    QString m_infoRequest;                  ///< callsign whose record was asked for
+    QString m_serverAddress;                         ///< the host of the present control connection
+    HwidRequests *m_hwidRequests = nullptr;          ///< of this session, for a panel that is opened later
+    QPointer<AdminPanel> m_adminPanel;               ///< while it is open
+    QPointer<ChangePasswordDialog> m_passwordDialog; ///< while it is there
+    QString m_requestedPassword; ///< the new one that the server was asked to take; empty: no answer is due
+    QVariantMap m_serverInfo;    ///< as the server last told it on this connection
+    QVariantMap m_ownProfile;    ///< the own account as the server last told it; empty before
+    QString m_infoRequest;       ///< callsign whose record was asked for
     int m_wrongPasswords = 0;
     bool m_retryPromptOpen = false;
     bool m_udpFailed = false;
