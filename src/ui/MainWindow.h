@@ -105,6 +105,8 @@ private:
     void ensureHardwareId();
     void onLoginSucceeded();
     void armAutoJoin();
+    void joinAutomatically(const QString &room);
+    void onAutoJoinRefused(const QString &refusedRoom);
     void restartUdp();
     void retryUdp();
     void onJoinRoomResult(bool success, const QString &room);
@@ -177,6 +179,7 @@ private:
     QTimer *m_keepaliveTimer = nullptr; ///< made when UDP is first ready
 
     QString m_serverAddress;                         ///< the host of the present control connection
+    QString m_autoJoinRoom;                          ///< of the automatic join that is not answered yet; empty: none
     HwidRequests *m_hwidRequests = nullptr;          ///< of this session, for a panel that is opened later
     QPointer<AdminPanel> m_adminPanel;               ///< while it is open
     QPointer<ChangePasswordDialog> m_passwordDialog; ///< while it is there
