@@ -190,6 +190,6 @@ private:
     int m_wrongPasswords = 0;
     bool m_retryPromptOpen = false;
     bool m_udpFailed = false;
-    bool m_transmitting = false; ///< TX_START was sent and no TX_STOP since
+    bool m_transmitting = false; ///< TX_START was sent, and since then no TX_STOP and the carrier has not fallen
     bool m_radioKeyed = false;   ///< keyed for audio of the room
 };

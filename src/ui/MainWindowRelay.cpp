@@ -81,6 +81,7 @@ void MainWindow::onCosChanged(bool active)
     switch (RelayRules::onCarrier(active, situation)) {
     case RelayRules::CarrierStep::StartTransmission: startTransmission(); break;
     case RelayRules::CarrierStep::StopTransmission: stopTransmission(); break;
+    case RelayRules::CarrierStep::ForgetTransmission: m_transmitting = false; break;
     case RelayRules::CarrierStep::BlockedByMicMute:
         qDebug() << "[COS] Signal detected but MIC is muted - TX blocked";
         break;
