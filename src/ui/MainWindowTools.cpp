@@ -162,7 +162,6 @@ void MainWindow::onAllUsers(const QList<QVariantMap> &users)
         qDebug() << "[MainWindow] Found myself!";
         m_ownProfile = user;
         onGatewayInfo(user);
-        break;
     }
 }
 
