@@ -137,6 +137,7 @@ private:
     void showTheme(bool dark);
     void onPingUpdated(float latencyMs);
     void onLicenseWarning(const QString &message);
+    void endOldPermitWarning();
     void onUserAction(const QString &action, const QString &callsign, int userId, const QString &room);
     void muteUser(const QString &callsign, int userId, bool muted);
     void requestUserInfo(const QString &callsign);
@@ -189,6 +190,7 @@ private:
     QString m_infoRequest;       ///< callsign whose record was asked for
     int m_wrongPasswords = 0;
     bool m_retryPromptOpen = false;
+    bool m_permitWarned = false; ///< by the login that is about to succeed
     bool m_udpFailed = false;
     bool m_transmitting = false; ///< TX_START was sent, and since then no TX_STOP and the carrier has not fallen
     bool m_radioKeyed = false;   ///< keyed for audio of the room

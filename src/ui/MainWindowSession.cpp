@@ -134,6 +134,7 @@ void MainWindow::onLoginSucceeded()
     m_retryPromptOpen = false;
     const int userId = m_client->userId();
     const bool isAdmin = m_client->isAdmin();
+    endOldPermitWarning();
     showStatus(QStringLiteral("Login successful"));
     qDebug() << "[MainWindow] Login successful, userId:" << userId;
     qDebug() << "[MainWindow] m_client:" << okOrNull(m_client);

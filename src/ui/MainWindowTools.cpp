@@ -19,6 +19,7 @@
 #include <QStatusBar>
 
 #include <functional>
+#include <utility>
 
 namespace {
 
@@ -65,9 +66,17 @@ void MainWindow::onPingUpdated(float latencyMs)
 
 void MainWindow::onLicenseWarning(const QString &message)
 {
+    m_permitWarned = true;
     showStatus(QStringLiteral("[!] ") + message);
     statusBar()->setStyleSheet(
         QStringLiteral("QStatusBar { background-color: #FFF3E0; color: #E65100; font-weight: bold; padding: 4px; }"));
+}
+
+/// The warning of a login comes before its success.
+void MainWindow::endOldPermitWarning()
+{
+    if (!std::exchange(m_permitWarned, false))
+        statusBar()->setStyleSheet({});
 }
 
 void MainWindow::onUserAction(const QString &action, const QString &callsign, int userId, const QString &room)

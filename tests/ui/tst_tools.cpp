@@ -24,6 +24,7 @@ private slots:
     void togglesTheTheme();
     void startsDark();
     void permitWarning();
+    void permitWarningEndsWithALoginWithout();
     void userActions_data();
     void userActions();
     void muteKeepsShowing();
@@ -140,6 +141,29 @@ void ToolsTest::permitWarning()
     QCOMPARE(
         rig.window().statusBar()->styleSheet(),
         QStringLiteral("QStatusBar { background-color: #FFF3E0; color: #E65100; font-weight: bold; padding: 4px; }"));
+}
+
+void ToolsTest::permitWarningEndsWithALoginWithout()
+{
+    LogCapture log;
+    log.expectWarning(QStringLiteral("[TCP] License warning:"));
+    WindowRig rig({{QStringLiteral("default_room"), QString()}});
+    const QString warning = QStringLiteral("Izin habis 3 hari lagi");
+    rig.server.answer(QStringLiteral("LOGIN "), {QStringLiteral("LOGIN_OK|token||False|42||") + warning});
+    const auto styles = [&rig] { return rig.window().statusBar()->styleSheet(); };
+    rig.open();
+    QVERIFY(rig.server.waitForLine(QStringLiteral("USER_GET_PROFILE")));
+    QVERIFY(styles().contains(QStringLiteral("#FFF3E0")));
+    rig.server.drop();
+    QVERIFY(rig.server.waitForLine(QStringLiteral("USER_GET_PROFILE"), 2));
+    QVERIFY2(styles().contains(QStringLiteral("#FFF3E0")), "warned again");
+    rig.server.answer(QStringLiteral("LOGIN "), {});
+    rig.server.drop();
+    QVERIFY(rig.server.waitForLine(QStringLiteral("LOGIN "), 3));
+    QVERIFY2(styles().contains(QStringLiteral("#FFF3E0")), "stands until the login has succeeded");
+    rig.server.send(WindowRig::loginOk());
+    QVERIFY(rig.server.waitForLine(QStringLiteral("USER_GET_PROFILE"), 3));
+    QCOMPARE(styles(), QString());
 }
 
 void ToolsTest::userActions_data()
