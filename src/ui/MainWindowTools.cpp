@@ -123,13 +123,18 @@ void MainWindow::requestUserInfo(const QString &callsign)
     showStatus(QStringLiteral("Memuat info %1...").arg(callsign));
 }
 
+/// A record that does not name its station is taken for the answer.
 void MainWindow::onUserInfoReceived(const QVariantMap &info)
 {
-    if (m_infoRequest.isEmpty() || textOf(info, "callsign") != m_infoRequest)
+    const QString key = QStringLiteral("callsign");
+    QVariantMap record = info;
+    if (record.value(key).toString().isEmpty())
+        record.insert(key, m_infoRequest);
+    if (m_infoRequest.isEmpty() || record.value(key).toString().compare(m_infoRequest, Qt::CaseInsensitive) != 0)
         return;
     m_infoRequest.clear();
     statusBar()->clearMessage();
-    auto *dialog = new UserInfoDialog(info, this);
+    auto *dialog = new UserInfoDialog(record, this);
     dialog->setAttribute(Qt::WA_DeleteOnClose);
     dialog->open();
 }

@@ -31,6 +31,8 @@ private slots:
     void selfMuteToggles();
     void moveMenuJoins();
     void infoDialogOpensForItsOwnRequest();
+    void infoAnswersThatFit_data();
+    void infoAnswersThatFit();
     void serverFactsReachThePanel();
     void ownFactsReachThePanel_data();
     void ownFactsReachThePanel();
@@ -273,6 +275,35 @@ void ToolsTest::infoDialogOpensForItsOwnRequest()
     QCOMPARE(rig.status(), QString());
     QTest::keyClick(dialog, Qt::Key_Escape);
     QTRY_VERIFY(!rig.service<UserInfoDialog>());
+}
+
+void ToolsTest::infoAnswersThatFit_data()
+{
+    QTest::addColumn<QString>("record");
+    QTest::addColumn<QString>("callsign");
+    const auto row = [](const char *name, const char *record, const char *callsign) {
+        QTest::newRow(name) << QString::fromLatin1(record) << QString::fromLatin1(callsign);
+    };
+    row("in another case", R"({"callsign":"yb1x","name":"Budi"})", "yb1x");
+    row("without a callsign", R"({"name":"Budi"})", "YB1X");
+    row("with an empty one", R"({"callsign":"","name":"Budi"})", "YB1X");
+    row("with no value", R"({"callsign":null,"name":"Budi"})", "YB1X");
+}
+
+void ToolsTest::infoAnswersThatFit()
+{
+    QFETCH(QString, record);
+    QFETCH(QString, callsign);
+    WindowRig rig;
+    QVERIFY(rig.openInRoom());
+    rig.server.answer(QStringLiteral("USER_GET_INFO"), {QStringLiteral("USER_INFO_RESULT|") + record});
+    emit rig.service<RoomPanel>()->userAction(QStringLiteral("info"), QStringLiteral("YB1X"), 0);
+    QTRY_VERIFY(rig.service<UserInfoDialog>());
+    QCOMPARE(rig.service<UserInfoDialog>()->windowTitle(), QStringLiteral("RF-Gateway Info - ") + callsign);
+    QCOMPARE(rig.status(), QString());
+    delete rig.service<UserInfoDialog>();
+    emit rig.service<TcpClient>()->userInfoReceived({{QStringLiteral("name"), QStringLiteral("Budi")}});
+    QVERIFY2(!rig.service<UserInfoDialog>(), "nobody has asked again");
 }
 
 void ToolsTest::serverFactsReachThePanel()
