@@ -6,13 +6,12 @@ namespace RelayRules {
 
 CarrierStep onCarrier(bool active, const Situation &situation)
 {
-    if (active && situation.micMuted)
-        return CarrierStep::BlockedByMicMute;
-    if (!situation.connected || !situation.roomKnown)
-        return CarrierStep::Nothing;
+    const bool reachesTheRoom = situation.connected && situation.roomKnown;
     if (!active)
-        return CarrierStep::StopTransmission;
-    return situation.inRoom ? CarrierStep::StartTransmission : CarrierStep::Nothing;
+        return reachesTheRoom ? CarrierStep::StopTransmission : CarrierStep::ForgetTransmission;
+    if (situation.micMuted)
+        return CarrierStep::BlockedByMicMute;
+    return reachesTheRoom && situation.inRoom ? CarrierStep::StartTransmission : CarrierStep::Nothing;
 }
 
 bool remoteTalks(const QList<QVariantMap> &users, const QString &ownCallsign)

@@ -19,10 +19,12 @@ enum class CarrierStep {
     Nothing,
     StartTransmission,
     StopTransmission,
+    ForgetTransmission, ///< it is over, and there is nobody to tell
     BlockedByMicMute,
 };
 
 /// A falling carrier stops a transmission even when none was started: the server must never be left with a talker.
+/// Without a room it ends all the same: nothing may be sent with the squelch closed once there is a room again.
 [[nodiscard]] CarrierStep onCarrier(bool active, const Situation &situation);
 
 /// Whether somebody else in the room talks. Own entries are skipped by exact comparison of the callsign.

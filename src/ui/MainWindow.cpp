@@ -203,6 +203,7 @@ void MainWindow::connectServer()
     connect(m_client, &TcpClient::disconnected, this, &MainWindow::onNetworkDisconnected);
     connect(m_client, &TcpClient::disconnected, this, &MainWindow::armReconnect);
     connect(m_client, &TcpClient::disconnected, this, [this] { m_serverInfo.clear(); });
+    connect(m_client, &TcpClient::disconnected, this, &MainWindow::forgetPasswordRequest);
     connect(m_client, &TcpClient::errorOccurred, this, &MainWindow::onClientError);
     connect(m_client, &TcpClient::loginResult, this, &MainWindow::onLoginResult);
     connect(m_client, &TcpClient::licenseWarning, this, &MainWindow::onLicenseWarning);

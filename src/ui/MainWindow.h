@@ -12,6 +12,7 @@
 
 class AdminPanel;
 class AudioEngine;
+class ChangePasswordDialog;
 class ControlPanel;
 class HwidRequests;
 class MainActions;
@@ -104,6 +105,8 @@ private:
     void ensureHardwareId();
     void onLoginSucceeded();
     void armAutoJoin();
+    void joinAutomatically(const QString &room);
+    void onAutoJoinRefused(const QString &refusedRoom);
     void restartUdp();
     void retryUdp();
     void onJoinRoomResult(bool success, const QString &room);
@@ -134,6 +137,7 @@ private:
     void showTheme(bool dark);
     void onPingUpdated(float latencyMs);
     void onLicenseWarning(const QString &message);
+    void endOldPermitWarning();
     void onUserAction(const QString &action, const QString &callsign, int userId, const QString &room);
     void muteUser(const QString &callsign, int userId, bool muted);
     void requestUserInfo(const QString &callsign);
@@ -150,7 +154,9 @@ private:
     void applySettings(const Settings &settings);
     [[nodiscard]] QVariantMap ownProfile() const;
     void updateProfile(const Commands::OwnProfile &profile);
+    void requestPasswordChange(const QString &oldPassword, const QString &newPassword);
     void onPasswordChanged(bool success, const QString &message);
+    void forgetPasswordRequest();
     void onSerialConfigured(const QString &port);
     void openWebPage(const QString &path);
 
@@ -173,15 +179,19 @@ private:
     QTimer *m_udpRetryTimer = nullptr;
     QTimer *m_keepaliveTimer = nullptr; ///< made when UDP is first ready
 
-    QString m_serverAddress;                ///< the host of the present control connection
-    HwidRequests *m_hwidRequests = nullptr; ///< of this session, for a panel that is opened later
-    QPointer<AdminPanel> m_adminPanel;      ///< while it is open
-    QVariantMap m_serverInfo;               ///< as the server last told it on this connection
-    QVariantMap m_ownProfile;               ///< the own account as the server last told it; empty before
-    QString m_infoRequest;                  ///< callsign whose record was asked for
+    QString m_serverAddress;                         ///< the host of the present control connection
+    QString m_autoJoinRoom;                          ///< of the automatic join that is not answered yet; empty: none
+    HwidRequests *m_hwidRequests = nullptr;          ///< of this session, for a panel that is opened later
+    QPointer<AdminPanel> m_adminPanel;               ///< while it is open
+    QPointer<ChangePasswordDialog> m_passwordDialog; ///< while it is there
+    QString m_requestedPassword; ///< the new one that the server was asked to take; empty: no answer is due
+    QVariantMap m_serverInfo;    ///< as the server last told it on this connection
+    QVariantMap m_ownProfile;    ///< the own account as the server last told it; empty before
+    QString m_infoRequest;       ///< callsign whose record was asked for
     int m_wrongPasswords = 0;
     bool m_retryPromptOpen = false;
+    bool m_permitWarned = false; ///< by the login that is about to succeed
     bool m_udpFailed = false;
-    bool m_transmitting = false; ///< TX_START was sent and no TX_STOP since
+    bool m_transmitting = false; ///< TX_START was sent, and since then no TX_STOP and the carrier has not fallen
     bool m_radioKeyed = false;   ///< keyed for audio of the room
 };

@@ -27,6 +27,8 @@
 #include <QPointer>
 #include <QUrl>
 
+#include <utility>
+
 namespace {
 
 constexpr int kFullGain = 100; // percent
@@ -143,32 +145,48 @@ void MainWindow::updateProfile(const Commands::OwnProfile &profile)
 void MainWindow::onChangePassword()
 {
     auto *dialog = new ChangePasswordDialog([this] { return m_client->isConnected(); }, this);
-    connect(dialog, &ChangePasswordDialog::changeRequested, m_client,
-            [this](const QString &oldPassword, const QString &newPassword) {
-                m_client->sendCommand(Commands::changePassword(oldPassword, newPassword));
-            });
+    connect(dialog, &ChangePasswordDialog::changeRequested, this, &MainWindow::requestPasswordChange);
     connect(m_client, &TcpClient::userPasswordChanged, dialog, &ChangePasswordDialog::onPasswordChanged);
-    connect(m_client, &TcpClient::disconnected, dialog, [dialog] {
-        dialog->onPasswordChanged(false, QStringLiteral("Tidak terhubung ke server!")); // there will be no answer
-    });
-    connect(dialog, &ChangePasswordDialog::changed, this, [this, dialog](const QString &newPassword) {
-        Config::instance().setPassword(newPassword);
-        Config::instance().save();
+    connect(dialog, &ChangePasswordDialog::changed, this, [this, dialog] {
         const QPointer<QDialog> self(dialog);
         m_prompts.information(QStringLiteral("Sukses"), QStringLiteral("Password berhasil diubah!"));
         if (self)
             self->accept();
     });
+    m_passwordDialog = dialog;
     open(dialog);
+}
+
+/// The window keeps the new password, as the dialog may be closed before the server answers.
+void MainWindow::requestPasswordChange(const QString &oldPassword, const QString &newPassword)
+{
+    m_requestedPassword = newPassword;
+    m_client->sendCommand(Commands::changePassword(oldPassword, newPassword));
 }
 
 /// Told of every change, also of one that the dialog has asked for and tells of itself: the operator sees two boxes.
 void MainWindow::onPasswordChanged(bool success, const QString &message)
 {
+    const QString requested = std::exchange(m_requestedPassword, {});
+    if (success && !requested.isEmpty()) {
+        // Before the box, which may stand for hours: a reconnect under it logs in with what is stored.
+        Config::instance().setPassword(requested);
+        Config::instance().save();
+    }
     if (success)
         m_prompts.information(QStringLiteral("Password"), message);
     else
         m_prompts.warning(QStringLiteral("Gagal Ubah Password"), message);
+}
+
+/// Without a connection there will be no answer. One that has come is left to its box: the dialog is told after it.
+void MainWindow::forgetPasswordRequest()
+{
+    if (m_requestedPassword.isEmpty())
+        return;
+    m_requestedPassword.clear();
+    if (m_passwordDialog)
+        m_passwordDialog->onPasswordChanged(false, QStringLiteral("Tidak terhubung ke server!"));
 }
 
 void MainWindow::onSerialConfig()

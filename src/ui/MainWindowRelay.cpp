@@ -27,10 +27,11 @@ constexpr int kLoggedUdpFrames = 5;
 constexpr int kReadably = 5000; // milliseconds
 constexpr int kLong = 10000;    // milliseconds
 
-// Process-wide, never reset: the lines that they limit describe the first frames after the program's start.
-int s_encodedFrames = 0;
-int s_tcpFrames = 0;
-int s_udpFrames = 0;
+// Process-wide, never reset: the lines that they limit describe the first frames after the program's start. A gateway
+// runs for years, in which 50 frames a second are too many for an int.
+qint64 s_encodedFrames = 0;
+qint64 s_tcpFrames = 0;
+qint64 s_udpFrames = 0;
 
 QString hex(const QByteArray &bytes)
 {
@@ -81,6 +82,7 @@ void MainWindow::onCosChanged(bool active)
     switch (RelayRules::onCarrier(active, situation)) {
     case RelayRules::CarrierStep::StartTransmission: startTransmission(); break;
     case RelayRules::CarrierStep::StopTransmission: stopTransmission(); break;
+    case RelayRules::CarrierStep::ForgetTransmission: m_transmitting = false; break;
     case RelayRules::CarrierStep::BlockedByMicMute:
         qDebug() << "[COS] Signal detected but MIC is muted - TX blocked";
         break;

@@ -21,6 +21,7 @@
 #include <QPointer>
 
 #include <chrono>
+#include <utility>
 
 namespace {
 
@@ -133,6 +134,7 @@ void MainWindow::onLoginSucceeded()
     m_retryPromptOpen = false;
     const int userId = m_client->userId();
     const bool isAdmin = m_client->isAdmin();
+    endOldPermitWarning();
     showStatus(QStringLiteral("Login successful"));
     qDebug() << "[MainWindow] Login successful, userId:" << userId;
     qDebug() << "[MainWindow] m_client:" << okOrNull(m_client);
@@ -166,9 +168,25 @@ void MainWindow::armAutoJoin()
     if (room.isEmpty())
         return;
     QTimer::singleShot(kAutoJoinDelay, this, [this, room] {
-        qDebug().noquote() << "[MainWindow] Auto-joining default room:" << room;
-        m_client->joinRoom(room);
+        joinAutomatically(room);
+        if (m_client->isConnected())
+            m_autoJoinRoom = room; // an answer is due
     });
+}
+
+void MainWindow::joinAutomatically(const QString &room)
+{
+    qDebug().noquote() << "[MainWindow] Auto-joining default room:" << room;
+    m_client->joinRoom(room);
+}
+
+/// The list of rooms may have replaced the default after the automatic join was armed. Without this a gateway whose
+/// room was deleted would stay out of every room until somebody comes.
+void MainWindow::onAutoJoinRefused(const QString &refusedRoom)
+{
+    const QString room = Config::instance().defaultRoom();
+    if (!room.isEmpty() && room != refusedRoom && m_roomPanel->currentRoom().isEmpty())
+        joinAutomatically(room);
 }
 
 void MainWindow::restartUdp()
@@ -214,8 +232,14 @@ void MainWindow::onJoinRoom()
 void MainWindow::onJoinRoomResult(bool success, const QString &room)
 {
     // The answer may have waited in the buffer of a connection that is gone.
-    if (!success || !m_client->isConnected())
+    if (!m_client->isConnected())
         return;
+    const QString autoJoinRoom = std::exchange(m_autoJoinRoom, {}); // one more try, not one after the other
+    if (!success) {
+        if (!autoJoinRoom.isEmpty())
+            onAutoJoinRefused(autoJoinRoom);
+        return;
+    }
     m_roomPanel->setCurrentRoom(room);
     m_controlPanel->setInRoom(true);
     refreshReadiness();
@@ -282,6 +306,7 @@ void MainWindow::forgetRoom()
 
 void MainWindow::onNetworkDisconnected()
 {
+    m_autoJoinRoom.clear();
     showStatus(QStringLiteral("Disconnected"));
     m_actions->apply(ConnectionState::Disconnected);
     m_actions->showConnected(false);

@@ -19,6 +19,7 @@
 #include <QStatusBar>
 
 #include <functional>
+#include <utility>
 
 namespace {
 
@@ -65,9 +66,17 @@ void MainWindow::onPingUpdated(float latencyMs)
 
 void MainWindow::onLicenseWarning(const QString &message)
 {
+    m_permitWarned = true;
     showStatus(QStringLiteral("[!] ") + message);
     statusBar()->setStyleSheet(
         QStringLiteral("QStatusBar { background-color: #FFF3E0; color: #E65100; font-weight: bold; padding: 4px; }"));
+}
+
+/// The warning of a login comes before its success.
+void MainWindow::endOldPermitWarning()
+{
+    if (!std::exchange(m_permitWarned, false))
+        statusBar()->setStyleSheet({});
 }
 
 void MainWindow::onUserAction(const QString &action, const QString &callsign, int userId, const QString &room)
@@ -114,13 +123,18 @@ void MainWindow::requestUserInfo(const QString &callsign)
     showStatus(QStringLiteral("Memuat info %1...").arg(callsign));
 }
 
+/// A record that does not name its station is taken for the answer.
 void MainWindow::onUserInfoReceived(const QVariantMap &info)
 {
-    if (m_infoRequest.isEmpty() || textOf(info, "callsign") != m_infoRequest)
+    const QString key = QStringLiteral("callsign");
+    QVariantMap record = info;
+    if (record.value(key).toString().isEmpty())
+        record.insert(key, m_infoRequest);
+    if (m_infoRequest.isEmpty() || record.value(key).toString().compare(m_infoRequest, Qt::CaseInsensitive) != 0)
         return;
     m_infoRequest.clear();
     statusBar()->clearMessage();
-    auto *dialog = new UserInfoDialog(info, this);
+    auto *dialog = new UserInfoDialog(record, this);
     dialog->setAttribute(Qt::WA_DeleteOnClose);
     dialog->open();
 }
@@ -162,7 +176,6 @@ void MainWindow::onAllUsers(const QList<QVariantMap> &users)
         qDebug() << "[MainWindow] Found myself!";
         m_ownProfile = user;
         onGatewayInfo(user);
-        break;
     }
 }
 

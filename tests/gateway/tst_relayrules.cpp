@@ -40,8 +40,10 @@ void RelayRulesTest::onCarrier_data()
     QTest::newRow("falls, muted") << false << true << true << true << true << CarrierStep::StopTransmission;
     QTest::newRow("falls, room without the mark")
         << false << false << true << false << true << CarrierStep::StopTransmission;
-    QTest::newRow("falls, not connected") << false << false << false << true << true << CarrierStep::Nothing;
-    QTest::newRow("falls, no room") << false << false << true << true << false << CarrierStep::Nothing;
+    QTest::newRow("falls, not connected") << false << false << false << true << true << CarrierStep::ForgetTransmission;
+    QTest::newRow("falls, no room") << false << false << true << true << false << CarrierStep::ForgetTransmission;
+    QTest::newRow("falls, muted and not connected")
+        << false << true << false << false << false << CarrierStep::ForgetTransmission;
 }
 
 void RelayRulesTest::onCarrier()

@@ -27,6 +27,8 @@ private slots:
     void carrierBeforeAnyRoom();
     void carrierWhileMuted();
     void framesAreSentOnlyWhileTransmitting();
+    void overEndsWithoutARoom_data();
+    void overEndsWithoutARoom();
     void frameWithoutLinkIsDropped();
     void userListKeysTheRadio();
     void ownTransmissionDoesNotKey();
@@ -228,6 +230,42 @@ void RelayTest::framesAreSentOnlyWhileTransmitting()
                                                              "during",
                                                              10)));
     QCOMPARE(radio.rig.server.datagramCount(QByteArray("\0\0\0", 3)), 1);
+}
+
+void RelayTest::overEndsWithoutARoom_data()
+{
+    QTest::addColumn<bool>("lost");
+    QTest::newRow("connection lost") << true;
+    QTest::newRow("room left") << false;
+}
+
+void RelayTest::overEndsWithoutARoom()
+{
+    QFETCH(bool, lost);
+    Radio radio;
+    WindowRig &rig = radio.rig;
+    QVERIFY(radio.inRoom());
+    QVERIFY(radio.raiseCarrier());
+    rig.timer("reconnectArmTimer")->setInterval(60000);
+    if (lost)
+        rig.server.drop();
+    else
+        rig.action("leaveRoom")->trigger();
+    QTRY_VERIFY(!rig.action("toolbarLeave")->isVisible());
+    radio.serial.set(FakeSerial::Line::Cts, false);
+    QTRY_COMPARE(indicatorText(rig), q("RX"));
+    if (lost)
+        rig.timer("reconnectArmTimer")->start(0);
+    else
+        emit rig.service<RoomPanel>()->joinRoom(q("Lobby"));
+    QTRY_VERIFY(rig.action("toolbarLeave")->isVisible());
+    auto *udp = rig.service<UdpAudio>();
+    QTRY_VERIFY(udp->isReady());
+    emit rig.service<AudioEngine>()->audioEncoded("stale");
+    udp->sendKeepalive();
+    QVERIFY(rig.server.waitForDatagram("KEEPALIVE"));
+    QVERIFY2(rig.server.datagramCount(QByteArray("\0\0\0", 3)) == 0, "sent with the squelch closed");
+    QCOMPARE(rig.server.count(q("TX_STOP")), 0);
 }
 
 void RelayTest::frameWithoutLinkIsDropped()

@@ -40,10 +40,6 @@ private slots:
     void cancelledLoginStaysConnected();
     void actsOnALogin();
     void administratorsGetMore();
-    void joinsTheDefaultRoom();
-    void noDefaultRoomNoJoin();
-    void roomListReplacesAMissingDefault();
-    void roomListKeepsAPresentDefault();
     void joinsByHand();
     void joinedRoomShows();
     void failedJoinChangesNothing();
@@ -290,54 +286,6 @@ void SessionTest::administratorsGetMore()
     QVERIFY(rig.openAndLogIn(true));
     QVERIFY(rig.action("adminPanel")->isEnabled());
     QVERIFY(rig.service<RoomPanel>()->isAdmin());
-}
-
-void SessionTest::joinsTheDefaultRoom()
-{
-    LogCapture log;
-    WindowRig rig({{QStringLiteral("default_room"), QStringLiteral("Alpha Room")}});
-    QVERIFY(rig.openAndLogIn());
-    QCOMPARE(rig.server.count(QStringLiteral("JOIN")), 0);
-    QVERIFY(rig.server.waitForLine(QStringLiteral("JOIN Alpha Room")));
-    QVERIFY(log.contains(QStringLiteral("[MainWindow] Auto-joining default room: Alpha Room")));
-}
-
-void SessionTest::noDefaultRoomNoJoin()
-{
-    WindowRig rig({{QStringLiteral("default_room"), QString()}});
-    QVERIFY(rig.openAndLogIn());
-    bool passed = false;
-    QTimer::singleShot(1200, &rig.window(), [&passed] { passed = true; });
-    QTRY_VERIFY(passed);
-    QCOMPARE(rig.server.count(QStringLiteral("JOIN")), 0);
-}
-
-void SessionTest::roomListReplacesAMissingDefault()
-{
-    LogCapture log;
-    WindowRig rig;
-    QVERIFY(rig.openAndLogIn());
-    rig.server.send(QStringLiteral("ROOMS|Alpha,Beta"));
-    QTRY_VERIFY(rig.showed(QStringLiteral("Default room diubah ke: Alpha"), 5000));
-    QVERIFY(rig.showed(QStringLiteral("Rooms loaded: 2")));
-    QVERIFY(log.contains(QStringLiteral("[MainWindow] Default room 'Lobby' tidak ada di server, diganti ke 'Alpha'")));
-    QCOMPARE(Config::instance().defaultRoom(), QStringLiteral("Alpha"));
-    QVERIFY2(!rig.config.saved().contains(QStringLiteral("default_room")), "the change is not saved");
-    QCOMPARE(rig.service<RoomPanel>()->availableRooms(),
-             QStringList({QStringLiteral("Alpha"), QStringLiteral("Beta")}));
-    QCOMPARE(rig.window().findChild<QMenu *>(QStringLiteral("moveToRoom"))->actions().size(), 2);
-}
-
-void SessionTest::roomListKeepsAPresentDefault()
-{
-    WindowRig rig;
-    QVERIFY(rig.openAndLogIn());
-    rig.server.send(QStringLiteral("ROOMS|"));
-    QTRY_VERIFY(rig.showed(QStringLiteral("Rooms loaded: 0")));
-    QCOMPARE(Config::instance().defaultRoom(), QStringLiteral("Lobby"));
-    rig.server.send(QStringLiteral("ROOMS|Alpha,Lobby"));
-    QTRY_VERIFY(rig.showed(QStringLiteral("Rooms loaded: 2")));
-    QCOMPARE(Config::instance().defaultRoom(), QStringLiteral("Lobby"));
 }
 
 void SessionTest::joinsByHand()

@@ -292,11 +292,16 @@ void StationListTest::savedMute_data()
     QTest::addColumn<bool>("listedFirst");
     QTest::addColumn<bool>("saved");
     QTest::addColumn<bool>("fromServer");
+    QTest::addColumn<bool>("shown"); // by a new list
     for (const bool listedFirst : {true, false}) {
-        for (const bool saved : {true, false})
-            QTest::addRow("%s, %s against the server", listedFirst ? "listed" : "not listed yet",
-                          saved ? "muted" : "unmuted")
-                << listedFirst << saved << !saved;
+        const auto row = [listedFirst](const char *name, bool saved, bool fromServer, bool shown) {
+            QTest::addRow("%s, %s", name, listedFirst ? "listed" : "not listed yet")
+                << listedFirst << saved << fromServer << shown;
+        };
+        row("muted here", true, false, true);
+        row("muted here and on the server", true, true, true);
+        row("unmuted here", false, false, false);
+        row("unmuted here, then muted by another", false, true, true);
     }
 }
 
@@ -315,8 +320,8 @@ void StationListTest::savedMute()
     QVERIFY(log.contains(QStringLiteral("[RoomPanel] Mute state saved: YB0ABC ") +
                          (saved ? QStringLiteral("true") : QStringLiteral("false"))));
     panel.setUsers(server, {});
-    QCOMPARE(panel.userWidget(callsign)->isMicMuted(), saved);
-    QCOMPARE(list(panel)->item(0)->data(Qt::UserRole + 3), QVariant(saved));
+    QTEST(panel.userWidget(callsign)->isMicMuted(), "shown");
+    QCOMPARE(list(panel)->item(0)->data(Qt::UserRole + 3).toBool(), panel.userWidget(callsign)->isMicMuted());
     panel.updateUserState(callsign, false, fromServer, true);
     QCOMPARE(panel.userWidget(callsign)->isMicMuted(), saved);
 }

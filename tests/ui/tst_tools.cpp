@@ -24,12 +24,15 @@ private slots:
     void togglesTheTheme();
     void startsDark();
     void permitWarning();
+    void permitWarningEndsWithALoginWithout();
     void userActions_data();
     void userActions();
     void muteKeepsShowing();
     void selfMuteToggles();
     void moveMenuJoins();
     void infoDialogOpensForItsOwnRequest();
+    void infoAnswersThatFit_data();
+    void infoAnswersThatFit();
     void serverFactsReachThePanel();
     void ownFactsReachThePanel_data();
     void ownFactsReachThePanel();
@@ -142,6 +145,29 @@ void ToolsTest::permitWarning()
         QStringLiteral("QStatusBar { background-color: #FFF3E0; color: #E65100; font-weight: bold; padding: 4px; }"));
 }
 
+void ToolsTest::permitWarningEndsWithALoginWithout()
+{
+    LogCapture log;
+    log.expectWarning(QStringLiteral("[TCP] License warning:"));
+    WindowRig rig({{QStringLiteral("default_room"), QString()}});
+    const QString warning = QStringLiteral("Izin habis 3 hari lagi");
+    rig.server.answer(QStringLiteral("LOGIN "), {QStringLiteral("LOGIN_OK|token||False|42||") + warning});
+    const auto styles = [&rig] { return rig.window().statusBar()->styleSheet(); };
+    rig.open();
+    QVERIFY(rig.server.waitForLine(QStringLiteral("USER_GET_PROFILE")));
+    QVERIFY(styles().contains(QStringLiteral("#FFF3E0")));
+    rig.server.drop();
+    QVERIFY(rig.server.waitForLine(QStringLiteral("USER_GET_PROFILE"), 2));
+    QVERIFY2(styles().contains(QStringLiteral("#FFF3E0")), "warned again");
+    rig.server.answer(QStringLiteral("LOGIN "), {});
+    rig.server.drop();
+    QVERIFY(rig.server.waitForLine(QStringLiteral("LOGIN "), 3));
+    QVERIFY2(styles().contains(QStringLiteral("#FFF3E0")), "stands until the login has succeeded");
+    rig.server.send(WindowRig::loginOk());
+    QVERIFY(rig.server.waitForLine(QStringLiteral("USER_GET_PROFILE"), 3));
+    QCOMPARE(styles(), QString());
+}
+
 void ToolsTest::userActions_data()
 {
     QTest::addColumn<QString>("action");
@@ -251,6 +277,35 @@ void ToolsTest::infoDialogOpensForItsOwnRequest()
     QTRY_VERIFY(!rig.service<UserInfoDialog>());
 }
 
+void ToolsTest::infoAnswersThatFit_data()
+{
+    QTest::addColumn<QString>("record");
+    QTest::addColumn<QString>("callsign");
+    const auto row = [](const char *name, const char *record, const char *callsign) {
+        QTest::newRow(name) << QString::fromLatin1(record) << QString::fromLatin1(callsign);
+    };
+    row("in another case", R"({"callsign":"yb1x","name":"Budi"})", "yb1x");
+    row("without a callsign", R"({"name":"Budi"})", "YB1X");
+    row("with an empty one", R"({"callsign":"","name":"Budi"})", "YB1X");
+    row("with no value", R"({"callsign":null,"name":"Budi"})", "YB1X");
+}
+
+void ToolsTest::infoAnswersThatFit()
+{
+    QFETCH(QString, record);
+    QFETCH(QString, callsign);
+    WindowRig rig;
+    QVERIFY(rig.openInRoom());
+    rig.server.answer(QStringLiteral("USER_GET_INFO"), {QStringLiteral("USER_INFO_RESULT|") + record});
+    emit rig.service<RoomPanel>()->userAction(QStringLiteral("info"), QStringLiteral("YB1X"), 0);
+    QTRY_VERIFY(rig.service<UserInfoDialog>());
+    QCOMPARE(rig.service<UserInfoDialog>()->windowTitle(), QStringLiteral("RF-Gateway Info - ") + callsign);
+    QCOMPARE(rig.status(), QString());
+    delete rig.service<UserInfoDialog>();
+    emit rig.service<TcpClient>()->userInfoReceived({{QStringLiteral("name"), QStringLiteral("Budi")}});
+    QVERIFY2(!rig.service<UserInfoDialog>(), "nobody has asked again");
+}
+
 void ToolsTest::serverFactsReachThePanel()
 {
     WindowRig rig(offline());
@@ -295,11 +350,14 @@ void ToolsTest::ownFactsReachThePanel()
         emit client->userProfileReceived(own);
         emit client->userProfileReceived(other);
     } else if (source == QLatin1String("all users")) {
-        emit client->allUsersReceived({other, own});
+        log.clear();
+        emit client->allUsersReceived({other, own, other});
+        QCOMPARE(
+            log.linesStartingWith(QStringLiteral("[MainWindow]")),
+            QStringList({QStringLiteral("[MainWindow] allUsersReceived: 3"),
+                         QStringLiteral("[MainWindow] Checking: YB1X"), QStringLiteral("[MainWindow] Checking: YB0ABC"),
+                         QStringLiteral("[MainWindow] Found myself!"), QStringLiteral("[MainWindow] Checking: YB1X")}));
         emit client->allUsersReceived({other});
-        QVERIFY(log.contains(QStringLiteral("[MainWindow] allUsersReceived: 2")));
-        QVERIFY(log.contains(QStringLiteral("[MainWindow] Checking: YB1X")));
-        QCOMPARE(log.count(QStringLiteral("[MainWindow] Found myself!")), 1);
     } else {
         emit client->gatewayInfoReceived(own);
     }

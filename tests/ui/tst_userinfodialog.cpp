@@ -13,6 +13,8 @@ private slots:
     void fullRecord();
     void emptyRecord();
     void nameWithoutAGateway();
+    void lastLogin_data();
+    void lastLogin();
     void showsHostileTextsLiterally();
 };
 
@@ -57,6 +59,28 @@ void UserInfoDialogTest::nameWithoutAGateway()
 {
     QVERIFY(UserInfoDialog::textFor({{QStringLiteral("name"), QStringLiteral("Sari")}})
                 .startsWith(QStringLiteral("Name        : Sari\n")));
+}
+
+void UserInfoDialogTest::lastLogin_data()
+{
+    QTest::addColumn<QString>("fromServer");
+    QTest::addColumn<QString>("shown");
+    const auto row = [](const char *name, const char *fromServer, const char *shown) {
+        QTest::newRow(name) << QString::fromLatin1(fromServer) << QString::fromLatin1(shown);
+    };
+    row("date and time", "2026-05-30T10:00:00", "2026-05-30 10:00:00");
+    row("with a zone", "2026-05-30T10:00:00 WIT", "2026-05-30 10:00:00 WIT");
+    row("separated by a blank", "2026-05-30 10:00:00 WIT", "2026-05-30 10:00:00 WIT");
+    row("never", "Tidak pernah", "Tidak pernah");
+    row("a lone letter", "T", "T");
+}
+
+void UserInfoDialogTest::lastLogin()
+{
+    QFETCH(QString, fromServer);
+    QFETCH(QString, shown);
+    const QString text = UserInfoDialog::textFor({{QStringLiteral("last_login"), fromServer}});
+    QVERIFY2(text.split(QLatin1Char('\n')).contains(QStringLiteral("Last Login  : ") + shown), qPrintable(text));
 }
 
 void UserInfoDialogTest::showsHostileTextsLiterally()

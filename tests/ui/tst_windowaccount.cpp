@@ -60,6 +60,25 @@ QPushButton *button(const QWidget *dialog, const QString &text)
     return nullptr;
 }
 
+const QString kNewPassword = q("geheim1");
+const QString kNextLogin = q("LOGIN YB0ABC geheim1 0123456789abcdef");
+
+/// Opens the dialog and asks for the new password.
+ChangePasswordDialog *requestPassword(const WindowRig &rig)
+{
+    auto *dialog = openBy<ChangePasswordDialog>(rig, "changePassword");
+    setText(dialog, "oldPasswordEdit", WindowRig::kPassword);
+    setText(dialog, "newPasswordEdit", kNewPassword);
+    setText(dialog, "confirmPasswordEdit", kNewPassword);
+    button(dialog, q("Change Password"))->click();
+    return dialog;
+}
+
+QString savedPassword(const WindowRig &rig)
+{
+    return rig.config.saved().value(q("password")).toString();
+}
+
 } // namespace
 
 class WindowAccountTest final : public QObject
@@ -75,6 +94,9 @@ private slots:
     void editsTheProfile();
     void editsWithoutAnId();
     void changesThePassword();
+    void passwordIsStoredBeforeTheBox();
+    void passwordIsStoredWithoutTheDialog();
+    void passwordOfALostConnectionIsForgotten();
     void passwordThatIsRefused();
     void passwordNeedsAConnection();
     void asksForADeviceReset_data();
@@ -192,23 +214,74 @@ void WindowAccountTest::changesThePassword()
 {
     WindowRig rig;
     QVERIFY(rig.openAndLogIn());
-    rig.server.answer(q("USER_CHANGE_PASSWORD"), {q("USER_CHANGE_PASSWORD_OK")});
-    auto *dialog = openBy<ChangePasswordDialog>(rig, "changePassword");
-    QVERIFY(dialog);
-    setText(dialog, "oldPasswordEdit", q("secret-word"));
-    setText(dialog, "newPasswordEdit", q("geheim1"));
-    setText(dialog, "confirmPasswordEdit", q("geheim1"));
     rig.prompts.accept();
     rig.prompts.accept();
-    button(dialog, q("Change Password"))->click();
+    auto *dialog = requestPassword(rig);
+    setText(dialog, "newPasswordEdit", q("edited meanwhile"));
+    QVERIFY(rig.server.waitForLine(q("USER_CHANGE_PASSWORD \"secret-word\" \"geheim1\"")));
+    rig.server.send(q("USER_CHANGE_PASSWORD_OK"));
     QTRY_COMPARE(rig.prompts.seen().size(), 2); // of every change, and of this one
     QCOMPARE(rig.prompts.seen().at(0).title, q("Password"));
     QCOMPARE(rig.prompts.seen().at(0).text, q("Password berhasil diubah"));
     QCOMPARE(rig.prompts.seen().at(1).title, q("Sukses"));
     QCOMPARE(rig.prompts.seen().at(1).text, q("Password berhasil diubah!"));
-    QVERIFY(rig.server.lines().contains(q("USER_CHANGE_PASSWORD \"secret-word\" \"geheim1\"")));
-    QCOMPARE(rig.config.saved().value(q("password")), QJsonValue(q("geheim1")));
+    QCOMPARE(savedPassword(rig), kNewPassword);
     QTRY_VERIFY(!rig.window().findChild<ChangePasswordDialog *>());
+}
+
+void WindowAccountTest::passwordIsStoredBeforeTheBox()
+{
+    WindowRig rig;
+    QVERIFY(rig.openAndLogIn());
+    rig.server.answer(q("USER_CHANGE_PASSWORD"), {q("USER_CHANGE_PASSWORD_OK")});
+    QString savedUnderTheBox;
+    rig.prompts.accept([&] {
+        savedUnderTheBox = savedPassword(rig);
+        rig.server.drop();
+        QVERIFY(rig.server.waitForLine(q("LOGIN "), 2));
+    });
+    rig.prompts.accept();
+    requestPassword(rig);
+    QTRY_COMPARE(rig.prompts.seen().size(), 2);
+    QCOMPARE(savedUnderTheBox, kNewPassword);
+    QVERIFY2(rig.server.lines().contains(kNextLogin), qPrintable(rig.server.lines().join(QLatin1Char('\n'))));
+    QCOMPARE(rig.prompts.seen().last().title, q("Sukses"));
+    QTRY_VERIFY(!rig.window().findChild<ChangePasswordDialog *>());
+}
+
+void WindowAccountTest::passwordIsStoredWithoutTheDialog()
+{
+    WindowRig rig;
+    QVERIFY(rig.openAndLogIn());
+    const auto *dialog = requestPassword(rig);
+    QVERIFY(rig.server.waitForLine(q("USER_CHANGE_PASSWORD")));
+    button(dialog, q("Cancel"))->click();
+    QTRY_VERIFY(!rig.window().findChild<ChangePasswordDialog *>());
+    QCOMPARE(savedPassword(rig), WindowRig::kPassword);
+    rig.prompts.accept();
+    rig.server.send(q("USER_CHANGE_PASSWORD_OK"));
+    QTRY_VERIFY(rig.prompts.isDone());
+    QCOMPARE(rig.prompts.seen().first().title, q("Password"));
+    QCOMPARE(savedPassword(rig), kNewPassword);
+    rig.server.drop();
+    QVERIFY(rig.server.waitForLine(kNextLogin));
+}
+
+void WindowAccountTest::passwordOfALostConnectionIsForgotten()
+{
+    WindowRig rig;
+    QVERIFY(rig.openAndLogIn());
+    const auto *dialog = requestPassword(rig);
+    QVERIFY(rig.server.waitForLine(q("USER_CHANGE_PASSWORD")));
+    rig.server.drop();
+    QVERIFY(rig.server.waitForLine(q("LOGIN "), 2));
+    QCOMPARE(dialog->findChild<QLabel *>(q("messageLabel"))->text(), q("Gagal: Tidak terhubung ke server!"));
+    QVERIFY(button(dialog, q("Change Password"))->isEnabled());
+    rig.prompts.accept();
+    rig.server.send(q("USER_CHANGE_PASSWORD_OK")); // nobody here has asked
+    QTRY_VERIFY(rig.prompts.isDone());
+    QCOMPARE(savedPassword(rig), WindowRig::kPassword);
+    QCOMPARE(rig.server.count(kNextLogin), 0);
 }
 
 void WindowAccountTest::passwordThatIsRefused()
@@ -216,30 +289,22 @@ void WindowAccountTest::passwordThatIsRefused()
     WindowRig rig;
     QVERIFY(rig.openAndLogIn());
     rig.server.answer(q("USER_CHANGE_PASSWORD"), {q("USER_CHANGE_PASSWORD_FAIL|Password lama salah")});
-    auto *dialog = openBy<ChangePasswordDialog>(rig, "changePassword");
-    setText(dialog, "oldPasswordEdit", q("wrong"));
-    setText(dialog, "newPasswordEdit", q("geheim1"));
-    setText(dialog, "confirmPasswordEdit", q("geheim1"));
     rig.prompts.accept();
-    button(dialog, q("Change Password"))->click();
+    const auto *dialog = requestPassword(rig);
     QTRY_COMPARE(rig.prompts.seen().size(), 1);
     QCOMPARE(rig.prompts.seen().first().kind, Prompt::Kind::Warning);
     QCOMPARE(rig.prompts.seen().first().title, q("Gagal Ubah Password"));
     QCOMPARE(rig.prompts.seen().first().text, q("Password lama salah"));
     QTRY_VERIFY(button(dialog, q("Change Password"))->isEnabled());
     QVERIFY(dialog->isVisible());
-    QCOMPARE(rig.config.saved().value(q("password")), QJsonValue(WindowRig::kPassword));
+    QCOMPARE(savedPassword(rig), WindowRig::kPassword);
 }
 
 void WindowAccountTest::passwordNeedsAConnection()
 {
     WindowRig rig(offline());
     rig.open();
-    auto *dialog = openBy<ChangePasswordDialog>(rig, "changePassword");
-    setText(dialog, "oldPasswordEdit", q("secret-word"));
-    setText(dialog, "newPasswordEdit", q("geheim1"));
-    setText(dialog, "confirmPasswordEdit", q("geheim1"));
-    button(dialog, q("Change Password"))->click();
+    const auto *dialog = requestPassword(rig);
     const auto labels = dialog->findChildren<QLabel *>();
     QVERIFY(std::any_of(labels.begin(), labels.end(),
                         [](const QLabel *label) { return label->text() == q("Tidak terhubung ke server!"); }));

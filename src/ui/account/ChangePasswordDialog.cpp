@@ -101,9 +101,8 @@ void ChangePasswordDialog::request()
     }
     m_change->setEnabled(false);
     showMessage(QStringLiteral("Mengirim..."), QLatin1String(kSending));
-    m_requested = m_new->text(); // the field may be edited while the server thinks
     m_isWaiting = true;
-    emit changeRequested(m_old->text(), m_requested);
+    emit changeRequested(m_old->text(), m_new->text());
 }
 
 void ChangePasswordDialog::onPasswordChanged(bool success, const QString &message)
@@ -111,9 +110,8 @@ void ChangePasswordDialog::onPasswordChanged(bool success, const QString &messag
     if (!m_isWaiting)
         return;
     m_isWaiting = false;
-    const QString requested = std::exchange(m_requested, {});
     if (success) {
-        emit changed(requested); // whoever is told may close the dialog: nothing follows
+        emit changed(); // whoever is told may close the dialog: nothing follows
         return;
     }
     m_change->setEnabled(true);

@@ -9,7 +9,7 @@ class QLineEdit;
 class QPushButton;
 
 /// Asks for the old password and twice for the new one, checks what can be checked here and waits for the server's
-/// verdict. Sending, storing and closing after a success are left to whoever opened it.
+/// verdict. Sending, keeping and storing the new one and closing after a success are left to whoever opened it.
 class ChangePasswordDialog final : public QDialog
 {
     Q_OBJECT
@@ -25,7 +25,7 @@ signals:
     /// The passwords have passed the checks; the server is to be asked.
     void changeRequested(const QString &oldPassword, const QString &newPassword);
     /// The server has taken the new password.
-    void changed(const QString &newPassword);
+    void changed();
 
 public slots:
     /// The server's verdict. Only the first one after a request counts.
@@ -44,6 +44,5 @@ private:
     QLineEdit *m_confirm = nullptr;
     QLabel *m_message = nullptr;
     QPushButton *m_change = nullptr;
-    QString m_requested; ///< the new password that the server was asked to take
     bool m_isWaiting = false;
 };

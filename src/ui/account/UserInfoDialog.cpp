@@ -1,9 +1,13 @@
 #include "ui/account/UserInfoDialog.h"
 
+#include <QRegularExpression>
+
 QString UserInfoDialog::textFor(const QVariantMap &record)
 {
     QString lastLogin = textOf(record, "last_login");
-    lastLogin.replace(QLatin1Char('T'), QLatin1Char(' '));
+    // Only between a date and a time: a zone or a word has a "T" too.
+    static const QRegularExpression separator(QStringLiteral("(?<=[0-9])T(?=[0-9])"));
+    lastLogin.replace(separator, QStringLiteral(" "));
     // Filled line by line: a server text with a "%1" in it must not be filled again.
     const QStringList lines{
         QStringLiteral("Name        : ") + textOf(record, "gateway_name", "name"),

@@ -190,10 +190,15 @@ void RoomPanel::setUsers(const QList<QVariantMap> &users, const QString &ownCall
     for (int i = 0; i < considered; ++i) {
         const QVariantMap &user = users.at(i);
         const QString callsign = callsignOf(user);
-        if (lastOf.value(callsign) == i)
-            updateUserState(callsign, user.value(QStringLiteral("is_transmitting")).toBool(),
-                            user.value(QStringLiteral("is_muted")).toBool(),
-                            user.value(QStringLiteral("approved")).toBool());
+        if (lastOf.value(callsign) != i)
+            continue;
+        const bool transmitting = user.value(QStringLiteral("is_transmitting")).toBool();
+        const bool muted = user.value(QStringLiteral("is_muted")).toBool();
+        const bool approved = user.value(QStringLiteral("approved")).toBool();
+        updateUserState(callsign, transmitting, muted, approved);
+        // A mute that was lifted here may have been set again by another administrator.
+        if (muted)
+            m_list->setState(callsign, transmitting, true, approved);
     }
 }
 

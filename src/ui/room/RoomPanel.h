@@ -33,11 +33,13 @@ public:
     void setRooms(const QStringList &rooms);
     void setCurrentRoom(const QString &room);
     /// Shows exactly these room user records, in this order, as if every row were made anew. Of records with the same
-    /// callsign the last one stays; of a list no room can have (more than 1000 stations) only the beginning.
+    /// callsign the last one stays; of a list no room can have (more than 1000 stations) only the beginning. A station
+    /// shows as muted when its record says so or a mute was set with setUserMuted().
     void setUsers(const QList<QVariantMap> &users, const QString &ownCallsign);
     /// Empties the list. The mutes set with setUserMuted() are kept.
     void clearUsers();
-    /// A mute set with setUserMuted() wins over @p muted. Does nothing for a station that is not listed.
+    /// What was set with setUserMuted(), also a lifted mute, wins over @p muted. Does nothing for a station that is not
+    /// listed.
     void updateUserState(const QString &callsign, bool transmitting, bool muted, bool approved);
     /// Remembered for the whole run, also for a station that is not listed yet.
     void setUserMuted(const QString &callsign, bool muted);
