@@ -3,6 +3,7 @@
 #include "server/Answers.h"
 #include "server/AudioPresets.h"
 #include "server/Command.h"
+#include "server/KeepAccepting.h"
 #include "server/ListenAddress.h"
 #include "server/Session.h"
 
@@ -39,6 +40,7 @@ ControlServer::ControlServer(AccountStore *store, QObject *parent)
     , m_today(QDate::currentDate)
 {
     connect(&m_tcp, &QTcpServer::newConnection, this, &ControlServer::onNewConnection);
+    keepAccepting(&m_tcp);
     connect(&m_talkTimer, &QTimer::timeout, this, &ControlServer::enforceTalkLimit);
     m_talkTimer.start(kTalkCheck);
     connect(&m_permitTimer, &QTimer::timeout, this, &ControlServer::watchPermits);
