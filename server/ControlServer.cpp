@@ -19,6 +19,7 @@ namespace {
 
 constexpr std::chrono::milliseconds kTalkCheck{1000};
 constexpr std::chrono::milliseconds kPermitCheck{60000};
+constexpr std::chrono::milliseconds kSilenceCheck{10000};
 constexpr int kMostConnections = 2000;
 
 qint64 steadyMilliseconds()
@@ -45,6 +46,8 @@ ControlServer::ControlServer(AccountStore *store, QObject *parent)
     m_talkTimer.start(kTalkCheck);
     connect(&m_permitTimer, &QTimer::timeout, this, &ControlServer::watchPermits);
     m_permitTimer.start(kPermitCheck);
+    connect(&m_silenceTimer, &QTimer::timeout, this, &ControlServer::endSilentSessions);
+    m_silenceTimer.start(kSilenceCheck);
 }
 
 ControlServer::~ControlServer()
@@ -117,6 +120,17 @@ void ControlServer::onClosed(Session *session)
     session->disconnect(this);
     signOff(*session);
     session->deleteLater();
+}
+
+void ControlServer::endSilentSessions()
+{
+    const QList<Session *> sessions = m_sessions; // whoever is ended leaves the list
+    for (Session *session : sessions) {
+        if (session->countSilence() <= kSilentLooks)
+            continue;
+        audit(*session, QStringLiteral("lost, nothing came any more"));
+        session->abort();
+    }
 }
 
 Session *ControlServer::sessionOf(int userId) const

@@ -38,6 +38,8 @@ public:
     };
     /// How long one talker may hold a room.
     static constexpr qint64 kTalkLimit = 300000; // milliseconds
+    /// How many looks a connection may let pass without a line; clients send PING every 5 s.
+    static constexpr int kSilentLooks = 6;
 
     /// The store is open and outlives the server.
     explicit ControlServer(AccountStore *store, QObject *parent = nullptr);
@@ -55,6 +57,9 @@ public:
     void watchPermits();
     /// Ends overs that last too long; runs by itself every second.
     void enforceTalkLimit();
+    /// Looks at all connections and ends those from which nothing comes any more: lost without a word, or held by
+    /// somebody who never logs in. Runs by itself every ten seconds.
+    void endSilentSessions();
 
 private:
     enum class Access { Anyone, Member, Admin };
@@ -160,6 +165,7 @@ private:
     QDate m_permitsSeen; ///< the day on which all were looked at
     QTimer m_talkTimer;
     QTimer m_permitTimer;
+    QTimer m_silenceTimer;
     QList<Session *> m_sessions;
     std::vector<std::unique_ptr<Room>> m_rooms; ///< in their order
 };
