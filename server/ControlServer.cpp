@@ -133,6 +133,17 @@ void ControlServer::endSilentSessions()
     }
 }
 
+/// A password takes some frames of audio to check, on the thread that relays them: what waits goes out first.
+bool ControlServer::mayTryPassword(const Session &session)
+{
+    m_relay.relayWaiting();
+    const bool may =
+        m_guard.mayTry(session.address(), m_clock()) && m_passwordGuard.mayTry(session.address(), m_clock());
+    if (may)
+        m_passwordGuard.count(session.address(), m_clock());
+    return may;
+}
+
 Session *ControlServer::sessionOf(int userId) const
 {
     for (Session *session : m_sessions) {

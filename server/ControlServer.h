@@ -40,6 +40,9 @@ public:
     static constexpr qint64 kTalkLimit = 300000; // milliseconds
     /// How many looks a connection may let pass without a line; clients send PING every 5 s.
     static constexpr int kSilentLooks = 6;
+    /// How many passwords an address may have checked within LoginGuard::kWindow, right ones included: enough for a
+    /// club behind one router that comes back all at once.
+    static constexpr int kPasswordChecks = 60;
 
     /// The store is open and outlives the server.
     explicit ControlServer(AccountStore *store, QObject *parent = nullptr);
@@ -76,6 +79,7 @@ private:
     void onNewConnection();
     void onLine(Session &session, const QString &line);
     void onClosed(Session *session);
+    [[nodiscard]] bool mayTryPassword(const Session &session);
     [[nodiscard]] Session *sessionOf(int userId) const;
     [[nodiscard]] Session *sessionOf(const QString &callsign) const;
     void signOff(Session &session);
@@ -158,6 +162,7 @@ private:
     QTcpServer m_tcp;
     UdpRelay m_relay;
     LoginGuard m_guard;
+    LoginGuard m_passwordGuard{kPasswordChecks};
     LoginGuard m_registrationGuard;
     bool m_autoApprove = false;
     std::function<qint64()> m_clock;

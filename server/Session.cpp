@@ -14,6 +14,7 @@ namespace {
 constexpr qint64 kUnsentLimitStranger = 64LL * 1024;     // bytes
 constexpr qint64 kUnsentLimit = 4LL * 1024 * 1024;       // bytes
 constexpr qint64 kUnsentLimitAdmin = 64LL * 1024 * 1024; // bytes
+constexpr std::chrono::milliseconds kTurn{5};            // well below a frame of audio
 const QString kTooLong = QStringLiteral("Perintah terlalu panjang");
 
 } // namespace
@@ -24,6 +25,7 @@ Session::Session(QTcpSocket *socket, QObject *parent)
     , m_unsentLimit(kUnsentLimitStranger)
 {
     m_socket->setParent(this);
+    m_socket->setReadBufferSize(kLongestLine + 1); // bytes; the rest waits on the sender's side
     m_socket->setSocketOption(QAbstractSocket::LowDelayOption, 1);
     m_socket->setSocketOption(QAbstractSocket::KeepAliveOption, 1);
     m_clock.start();
@@ -87,21 +89,35 @@ bool Session::mayTakeLine()
 
 void Session::onReadyRead()
 {
+    if (!m_isPausing)
+        takeLines();
+}
+
+/// What is left when the turn is over waits for the event loop: some lines take long, and audio and the other
+/// connections want their turn in between.
+void Session::takeLines()
+{
+    m_isPausing = false;
     const QByteArray arrived = m_socket->readAll();
     if (!isOpen())
         return; // read all the same: closed with bytes unread, the other side may lose what was sent last
     m_buffer += arrived;
+    QElapsedTimer turn;
+    turn.start();
     const QPointer<Session> self(this);
     int begin = 0;
     int end = 0;
-    while (isOpen() && (end = m_buffer.indexOf('\n', begin)) >= 0) {
+    while (isOpen() && (end = m_buffer.indexOf('\n', begin)) >= 0 && !turn.hasExpired(kTurn.count())) {
         takeLine(m_buffer.mid(begin, end - begin));
         begin = end + 1;
         if (!self)
             return;
     }
     m_buffer.remove(0, begin);
-    if (isOpen() && m_buffer.size() > kLongestLine)
+    m_isPausing = isOpen() && end >= 0;
+    if (m_isPausing)
+        QMetaObject::invokeMethod(this, &Session::takeLines, Qt::QueuedConnection);
+    else if (isOpen() && m_buffer.size() > kLongestLine)
         refuse(kTooLong);
 }
 

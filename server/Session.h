@@ -54,6 +54,7 @@ signals:
 
 private:
     void onReadyRead();
+    void takeLines();
     void takeLine(const QByteArray &line);
     [[nodiscard]] bool isOpen() const;
     [[nodiscard]] bool mayTakeLine();
@@ -62,6 +63,7 @@ private:
     QTcpSocket *m_socket;
     std::chrono::milliseconds m_closingTime{5000};
     QByteArray m_buffer;
+    bool m_isPausing = false; ///< lines wait until the event loop has come round
     Account m_account;
     QString m_hwid;
     Room *m_room = nullptr;

@@ -17,7 +17,7 @@ UdpRelay::UdpRelay(QObject *parent)
     : QObject(parent)
     , m_buffer(kCapacity, '\0')
 {
-    connect(&m_socket, &DatagramSocket::readyRead, this, &UdpRelay::onReadyRead);
+    connect(&m_socket, &DatagramSocket::readyRead, this, &UdpRelay::relayWaiting);
 }
 
 UdpRelay::~UdpRelay()
@@ -90,7 +90,7 @@ void UdpRelay::setTalker(const QString &room, int userId)
         entry->talker = member && member->room == entry ? member : nullptr;
 }
 
-void UdpRelay::onReadyRead()
+void UdpRelay::relayWaiting()
 {
     Endpoint from;
     for (int i = 0; i < kBatch; ++i) {
