@@ -54,7 +54,7 @@ void ControlServer::quit(Session &session, const Command &command)
 void ControlServer::login(Session &session, const Command &command)
 {
     const auto refuse = [&session](const QString &reason) { session.send(QStringLiteral("LOGIN_FAILED|") + reason); };
-    if (!m_guard.mayTry(session.address(), m_clock())) {
+    if (!mayTryPassword(session)) {
         refuse(QStringLiteral("Terlalu banyak percobaan login, coba lagi nanti"));
         return;
     }
@@ -197,7 +197,7 @@ void ControlServer::changePassword(Session &session, const Command &command)
         session.send(QStringLiteral("USER_CHANGE_PASSWORD_FAIL|") + reason);
     };
     Account account = session.account();
-    if (!m_guard.mayTry(session.address(), m_clock())) {
+    if (!mayTryPassword(session)) {
         fail(QStringLiteral("Terlalu banyak percobaan, coba lagi nanti"));
     } else if (!Passwords::matches(account.passwordHash, command.argument(0))) {
         m_guard.count(session.address(), m_clock());

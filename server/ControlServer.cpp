@@ -3,6 +3,7 @@
 #include "server/Answers.h"
 #include "server/AudioPresets.h"
 #include "server/Command.h"
+#include "server/KeepAccepting.h"
 #include "server/ListenAddress.h"
 #include "server/Session.h"
 
@@ -18,6 +19,7 @@ namespace {
 
 constexpr std::chrono::milliseconds kTalkCheck{1000};
 constexpr std::chrono::milliseconds kPermitCheck{60000};
+constexpr std::chrono::milliseconds kSilenceCheck{10000};
 constexpr int kMostConnections = 2000;
 
 qint64 steadyMilliseconds()
@@ -39,10 +41,13 @@ ControlServer::ControlServer(AccountStore *store, QObject *parent)
     , m_today(QDate::currentDate)
 {
     connect(&m_tcp, &QTcpServer::newConnection, this, &ControlServer::onNewConnection);
+    keepAccepting(&m_tcp);
     connect(&m_talkTimer, &QTimer::timeout, this, &ControlServer::enforceTalkLimit);
     m_talkTimer.start(kTalkCheck);
     connect(&m_permitTimer, &QTimer::timeout, this, &ControlServer::watchPermits);
     m_permitTimer.start(kPermitCheck);
+    connect(&m_silenceTimer, &QTimer::timeout, this, &ControlServer::endSilentSessions);
+    m_silenceTimer.start(kSilenceCheck);
 }
 
 ControlServer::~ControlServer()
@@ -118,6 +123,28 @@ void ControlServer::onClosed(Session *session)
     session->disconnect(this);
     signOff(*session);
     session->deleteLater();
+}
+
+void ControlServer::endSilentSessions()
+{
+    const QList<Session *> sessions = m_sessions; // whoever is ended leaves the list
+    for (Session *session : sessions) {
+        if (session->countSilence() <= kSilentLooks)
+            continue;
+        audit(*session, QStringLiteral("lost, nothing came any more"));
+        session->abort();
+    }
+}
+
+/// A password takes some frames of audio to check, on the thread that relays them: what waits goes out first.
+bool ControlServer::mayTryPassword(const Session &session)
+{
+    m_relay.relayWaiting();
+    const bool may =
+        m_guard.mayTry(session.address(), m_clock()) && m_passwordGuard.mayTry(session.address(), m_clock());
+    if (may)
+        m_passwordGuard.count(session.address(), m_clock());
+    return may;
 }
 
 Session *ControlServer::sessionOf(int userId) const

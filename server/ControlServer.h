@@ -45,6 +45,11 @@ public:
     static constexpr int kMostPending = 500;
     /// How long one talker may hold a room.
     static constexpr qint64 kTalkLimit = 300000; // milliseconds
+    /// How many looks a connection may let pass without a line; clients send PING every 5 s.
+    static constexpr int kSilentLooks = 6;
+    /// How many passwords an address may have checked within LoginGuard::kWindow, right ones included: enough for a
+    /// club behind one router that comes back all at once.
+    static constexpr int kPasswordChecks = 60;
 
     /// The store is open and outlives the server.
     explicit ControlServer(AccountStore *store, QObject *parent = nullptr);
@@ -62,6 +67,9 @@ public:
     void watchPermits();
     /// Ends overs that last too long; runs by itself every second.
     void enforceTalkLimit();
+    /// Looks at all connections and ends those from which nothing comes any more: lost without a word, or held by
+    /// somebody who never logs in. Runs by itself every ten seconds.
+    void endSilentSessions();
 
 private:
     enum class Access { Anyone, Member, Admin };
@@ -78,6 +86,7 @@ private:
     void onNewConnection();
     void onLine(Session &session, const QString &line);
     void onClosed(Session *session);
+    [[nodiscard]] bool mayTryPassword(const Session &session);
     [[nodiscard]] Session *sessionOf(int userId) const;
     [[nodiscard]] Session *sessionOf(const QString &callsign) const;
     void signOff(Session &session);
@@ -167,6 +176,7 @@ private:
     QTcpServer m_tcp;
     UdpRelay m_relay;
     LoginGuard m_guard;
+    LoginGuard m_passwordGuard{kPasswordChecks};
     LoginGuard m_registrationGuard;
     bool m_autoApprove = false;
     std::function<qint64()> m_clock;
@@ -174,6 +184,7 @@ private:
     QDate m_permitsSeen; ///< the day on which all were looked at
     QTimer m_talkTimer;
     QTimer m_permitTimer;
+    QTimer m_silenceTimer;
     QList<Session *> m_sessions;
     std::vector<std::unique_ptr<Room>> m_rooms; ///< in their order
 };

@@ -37,6 +37,21 @@ socklen_t fill(sockaddr_storage *storage, const QHostAddress &address, quint16 p
     return sizeof in;
 }
 
+/// For the address's own version of IP, IPv6 with IPv4 as well. Negative, with errno, when there is none.
+int openSocket(const QHostAddress &address)
+{
+    const bool isIpv4 = address.protocol() == QAbstractSocket::IPv4Protocol;
+    const int fd = ::socket(isIpv4 ? AF_INET : AF_INET6, SOCK_DGRAM | SOCK_NONBLOCK | SOCK_CLOEXEC, 0);
+    if (fd < 0)
+        return fd;
+    const int off = 0;
+    if (!isIpv4)
+        ::setsockopt(fd, IPPROTO_IPV6, IPV6_V6ONLY, &off, sizeof off);
+    ::setsockopt(fd, SOL_SOCKET, SO_RCVBUF, &kSocketBuffer, sizeof kSocketBuffer);
+    ::setsockopt(fd, SOL_SOCKET, SO_SNDBUF, &kSocketBuffer, sizeof kSocketBuffer);
+    return fd;
+}
+
 } // namespace
 
 uint qHash(const Endpoint &endpoint, uint seed)
@@ -66,15 +81,14 @@ DatagramSocket::~DatagramSocket()
 
 bool DatagramSocket::bind(const QString &address, quint16 port, QString *error)
 {
-    const QHostAddress host(address);
+    QHostAddress host(address);
+    d->fd = openSocket(host);
+    if (d->fd < 0 && errno == EAFNOSUPPORT && host == QHostAddress(QHostAddress::AnyIPv6)) {
+        host = QHostAddress(QHostAddress::AnyIPv4); // a machine without IPv6: every address it has
+        d->fd = openSocket(host);
+    }
     sockaddr_storage storage{};
     const socklen_t size = fill(&storage, host, port);
-    d->fd = ::socket(storage.ss_family, SOCK_DGRAM | SOCK_NONBLOCK | SOCK_CLOEXEC, 0);
-    const int off = 0;
-    if (storage.ss_family == AF_INET6)
-        ::setsockopt(d->fd, IPPROTO_IPV6, IPV6_V6ONLY, &off, sizeof off);
-    ::setsockopt(d->fd, SOL_SOCKET, SO_RCVBUF, &kSocketBuffer, sizeof kSocketBuffer);
-    ::setsockopt(d->fd, SOL_SOCKET, SO_SNDBUF, &kSocketBuffer, sizeof kSocketBuffer);
     if (d->fd < 0 || ::bind(d->fd, reinterpret_cast<const sockaddr *>(&storage), size) != 0) {
         *error = QString::fromLocal8Bit(std::strerror(errno));
         return false;

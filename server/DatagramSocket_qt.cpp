@@ -60,14 +60,15 @@ quint16 DatagramSocket::port() const
 
 int DatagramSocket::receive(char *data, int capacity, Endpoint *from)
 {
-    if (!d->socket.hasPendingDatagrams())
-        return -1;
-    const qint64 size = d->socket.pendingDatagramSize();
+    const qint64 size = d->socket.hasPendingDatagrams() ? d->socket.pendingDatagramSize() : -1;
     QHostAddress address;
     quint16 port = 0;
+    // Also when none waits: after a notice, Qt gives no further one until it is asked.
     const qint64 received = d->socket.readDatagram(data, capacity, &address, &port);
     *from = pack(address, port);
-    return received < 0 ? 0 : size > capacity ? capacity + 1 : static_cast<int>(received);
+    if (received < 0)
+        return size < 0 ? -1 : 0;
+    return size > capacity ? capacity + 1 : static_cast<int>(received);
 }
 
 void DatagramSocket::send(const char *data, int size, const Endpoint &to)

@@ -4,13 +4,19 @@
 #include <QString>
 #include <QVector>
 
-/// Slows down guessing and flooding: after kFailures refused logins, or as many registrations, within kWindow an
-/// address has to wait. Times are milliseconds on any steady clock.
+/// Slows down guessing and flooding: after so many refused logins, registrations or checked passwords within kWindow an
+/// address has to wait. Of IPv6 it is the network of 64 bits that counts, which one host has to itself. Times are
+/// milliseconds on any steady clock.
 class LoginGuard final
 {
 public:
     static constexpr int kFailures = 10;
     static constexpr qint64 kWindow = 60000;
+
+    explicit LoginGuard(int most = kFailures)
+        : m_most(most)
+    {
+    }
 
     [[nodiscard]] bool mayTry(const QString &address, qint64 now);
     /// One more try that counts.
@@ -19,6 +25,7 @@ public:
 private:
     void forgetOld(qint64 now);
 
-    QHash<QString, QVector<qint64>> m_failures;
+    int m_most;
+    QHash<QString, QVector<qint64>> m_tries;
     qint64 m_lastSweep = 0;
 };

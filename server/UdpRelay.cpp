@@ -17,7 +17,7 @@ UdpRelay::UdpRelay(QObject *parent)
     : QObject(parent)
     , m_buffer(kCapacity, '\0')
 {
-    connect(&m_socket, &DatagramSocket::readyRead, this, &UdpRelay::onReadyRead);
+    connect(&m_socket, &DatagramSocket::readyRead, this, &UdpRelay::relayWaiting);
 }
 
 UdpRelay::~UdpRelay()
@@ -90,7 +90,7 @@ void UdpRelay::setTalker(const QString &room, int userId)
         entry->talker = member && member->room == entry ? member : nullptr;
 }
 
-void UdpRelay::onReadyRead()
+void UdpRelay::relayWaiting()
 {
     Endpoint from;
     for (int i = 0; i < kBatch; ++i) {
@@ -120,7 +120,10 @@ bool UdpRelay::handleControl(const QByteArray &text, const Endpoint &from)
     if (text == "PING") {
         reply(QByteArrayLiteral("PONG"));
     } else if (text == "KEEPALIVE") {
-        reply(QByteArrayLiteral("KEEPALIVE_OK"));
+        // Only to whom audio goes: a member whose address has changed, or whose token was lost, hears nothing and sets
+        // the link up anew.
+        if (m_byEndpoint.contains(from))
+            reply(QByteArrayLiteral("KEEPALIVE_OK"));
     } else if (text.startsWith(kTokenWord)) {
         const int end = text.indexOf(':', kTokenWord.size());
         bindEndpoint(text.mid(kTokenWord.size(), end < 0 ? -1 : end - kTokenWord.size()), from);

@@ -33,6 +33,8 @@ public:
     void setRoom(int userId, const QString &room);
     /// The one member whose audio the room hears; 0 for none.
     void setTalker(const QString &room, int userId);
+    /// Handles the datagrams that have come, up to a bounded number. Runs by itself from the event loop.
+    void relayWaiting();
 
 private:
     struct Member;
@@ -50,7 +52,6 @@ private:
         QString roomName;
     };
 
-    void onReadyRead();
     void handle(int size, const Endpoint &from);
     [[nodiscard]] bool handleControl(const QByteArray &text, const Endpoint &from);
     void bindEndpoint(const QByteArray &token, const Endpoint &from);

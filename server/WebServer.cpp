@@ -1,5 +1,6 @@
 #include "server/WebServer.h"
 
+#include "server/KeepAccepting.h"
 #include "server/ListenAddress.h"
 
 #include <QTcpSocket>
@@ -9,6 +10,7 @@ WebServer::WebServer(WebConnection::Handler handler, QObject *parent)
     , m_handler(std::move(handler))
 {
     connect(&m_tcp, &QTcpServer::newConnection, this, &WebServer::onNewConnection);
+    keepAccepting(&m_tcp);
 }
 
 WebServer::~WebServer() = default;

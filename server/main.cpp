@@ -9,6 +9,7 @@
 #include <QCoreApplication>
 #include <QDebug>
 #include <QFile>
+#include <QHostAddress>
 #include <QTextStream>
 #include <QTimer>
 
@@ -157,17 +158,33 @@ bool loadUpdate(const QString &path, QByteArray *update, QString *error)
     return problem.isEmpty();
 }
 
+bool readPort(const QCommandLineParser &parser, const char *option, quint16 *port, QString *error)
+{
+    bool isNumber = false;
+    *port = parser.value(QLatin1String(option)).toUShort(&isNumber);
+    if (!isNumber)
+        *error = QStringLiteral("--%1: not a port").arg(QLatin1String(option));
+    return isNumber;
+}
+
+/// A name is none: what it stands for may change.
+bool readAddress(const QCommandLineParser &parser, QString *address, QString *error)
+{
+    *address = parser.value(QStringLiteral("listen"));
+    const bool isLiteral = !QHostAddress(*address).isNull();
+    if (!isLiteral)
+        *error = QStringLiteral("--listen: not an IP address");
+    return isLiteral;
+}
+
 /// False, with the reason, when the web server was asked for and cannot be had. The default port may be taken: clubs
 /// run without it.
 bool openWebServer(WebServer *web, const QCommandLineParser &parser, QString *error)
 {
     const QString option = QStringLiteral("http-port");
-    bool isNumber = false;
-    const quint16 port = parser.value(option).toUShort(&isNumber);
-    if (!isNumber) {
-        *error = QStringLiteral("--http-port: not a port");
+    quint16 port = 0;
+    if (!readPort(parser, "http-port", &port, error))
         return false;
-    }
     if (port == 0 || web->listen(parser.value(QStringLiteral("listen")), port, error))
         return true;
     *error = QStringLiteral("HTTP port %1: %2").arg(QString::number(port), *error);
@@ -193,15 +210,15 @@ int runUntilStopped()
 int serve(AccountStore *store, const QCommandLineParser &parser)
 {
     ControlServer::Options options;
-    options.address = parser.value(QStringLiteral("listen"));
-    options.port = parser.value(QStringLiteral("port")).toUShort();
-    options.udpPort = parser.value(QStringLiteral("udp-port")).toUShort();
+    QString error;
+    if (!readAddress(parser, &options.address, &error) || !readPort(parser, "port", &options.port, &error) ||
+        !readPort(parser, "udp-port", &options.udpPort, &error))
+        return complain(error);
     options.rooms = parser.values(QStringLiteral("room"));
     options.autoApprove = parser.isSet(QStringLiteral("auto-approve"));
     if (options.rooms.isEmpty())
         options.rooms.append(QStringLiteral("== LOBBY ==")); // what a new client asks for
     WebSite::Content content;
-    QString error;
     content.quotedRegistry = parser.isSet(QStringLiteral("registry-quoted"));
     if (!loadRegistry(parser.value(QStringLiteral("registry")), &content.registry, &error) ||
         !loadUpdate(parser.value(QStringLiteral("update")), &content.update, &error))
@@ -233,7 +250,7 @@ void describe(QCommandLineParser *parser)
     };
     option("database", "SQLite file, made on the first start; by default evox-server.sqlite.", "file",
            "evox-server.sqlite");
-    option("listen", "Address to listen on; by default ::, for all.", "address", "::");
+    option("listen", "IP address to listen on; by default ::, for all.", "address", "::");
     option("port", "TCP port of the control connections, by default 8080; 0 for any.", "port", "8080");
     option("udp-port", "UDP port of the audio, by default 8082, which clients expect; 0 for any.", "port", "8082");
     option("http-port",

@@ -31,6 +31,7 @@ public:
     /// Sends a token (or any other text) by UDP and waits for an answer.
     [[nodiscard]] QByteArray sendUdp(const QByteArray &datagram);
     void sendUdpSilently(const QByteArray &datagram);
+    [[nodiscard]] bool hasDatagram() const { return m_udp.hasPendingDatagrams(); }
     /// The next datagram; empty after half a second without.
     [[nodiscard]] QByteArray nextDatagram();
     /// Logged in, in the room, with UDP bound.

@@ -28,6 +28,7 @@ private slots:
     void deviceResetReachesAdministrators();
     void editsTheOwnRecordOnly();
     void surviesARestart();
+    void longLineEndsTheConnection_data();
     void longLineEndsTheConnection();
     void floodEndsTheConnection();
     void survivesRandomBytes();
@@ -272,11 +273,23 @@ void ServerAccountsTest::surviesARestart()
              q("LOGIN_FAILED|Perangkat ini tidak terdaftar untuk akun Anda"));
 }
 
+void ServerAccountsTest::longLineEndsTheConnection_data()
+{
+    QTest::addColumn<QByteArray>("end");
+    QTest::newRow("without an end") << QByteArray("x");
+    QTest::newRow("with its end") << QByteArray("x\r\n");
+}
+
 void ServerAccountsTest::longLineEndsTheConnection()
 {
+    QFETCH(QByteArray, end);
     ServerRig rig;
     auto client = rig.client();
-    client->sendRaw(QByteArray(64 * 1024 + 1, 'x'));
+    auto other = rig.client();
+    client->sendRaw(QByteArray(64 * 1024, 'x'));
+    QCOMPARE(other->answer(q("PING"), q("PONG")), q("PONG")); // by then it has arrived, and is not too long
+    QVERIFY(client->isConnected());
+    client->sendRaw(end);
     QCOMPARE(client->until(q("ERROR")).last(), q("ERROR|Perintah terlalu panjang"));
     QTRY_VERIFY(!client->isConnected());
 }

@@ -1,8 +1,12 @@
 #include "server/ServerRig.h"
+#include "server/WebServer.h"
 #include "support/LogCapture.h"
+#include "support/ResourceLimit.h"
 #include "support/TestMain.h"
 
-/// What the server does when the disk is full, and when a client does not read.
+#include <QFile>
+
+/// What the server does when the disk is full or no file is left to open, and when a client does not read.
 class ServerFailuresTest final : public QObject
 {
     Q_OBJECT
@@ -18,6 +22,7 @@ private slots:
     void loginsWaitForTheDatabase();
     void roomsThatCannotBeReadStopTheStart();
     void whoDoesNotReadCostsNobodyElse();
+    void acceptsAgainOnceFilesAreLeft();
 
 private:
     // One server for all deeds: none of them leaves a trace.
@@ -46,6 +51,13 @@ void fillDisk(ServerRig *rig)
         for (const char *change : {"INSERT", "UPDATE", "DELETE"})
             rig->execute(trigger.arg(QLatin1String(change), QLatin1String(table)));
     }
+}
+
+/// The first that is free: as many are in use, without a gap.
+quint64 nextFile()
+{
+    QFile probe(QCoreApplication::applicationFilePath());
+    return probe.open(QIODevice::ReadOnly) ? static_cast<quint64>(probe.handle()) : 0;
 }
 
 } // namespace
@@ -213,6 +225,29 @@ void ServerFailuresTest::whoDoesNotReadCostsNobodyElse()
     const QString online = admin->answer(q("ONLINE_USERS"), q("ONLINE_USERS"));
     QVERIFY2(!online.contains(q("YB1A")), "it was dropped");
     QCOMPARE(online.count(QLatin1Char(';')), 2);
+}
+
+void ServerFailuresTest::acceptsAgainOnceFilesAreLeft()
+{
+    if (!ResourceLimit::isPossible())
+        QSKIP("needs a limit of open files");
+    ServerRig rig;
+    WebServer web([](const HttpRequest &) { return HttpResponse::plain(404); });
+    QString error;
+    QVERIFY2(web.listen(q("127.0.0.1"), 0, &error), qPrintable(error));
+    for (const quint16 port : {rig.server().port(), web.port()}) {
+        LogCapture log;
+        const QString warning = QStringLiteral("a connection on port %1 could not be accepted: ").arg(port);
+        log.expectWarning(warning);
+        QTcpSocket socket;
+        socket.connectToHost(QHostAddress(QHostAddress::LocalHost), port);
+        socket.write("GET / HTTP/1.0\r\n\r\n");
+        {
+            const ResourceLimit full(ResourceLimit::Of::OpenFiles, nextFile());
+            QTRY_VERIFY(log.count(warning) > 0);
+        }
+        QTRY_VERIFY2(socket.canReadLine(), "nobody is accepted any more");
+    }
 }
 
 EVOX_TEST_MAIN(ServerFailuresTest, QCoreApplication)

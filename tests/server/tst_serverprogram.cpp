@@ -240,6 +240,12 @@ void ServerProgramTest::wrongOptions_data()
     };
     row("port is a word", "--http-port=web", {}, "evox-server: --http-port: not a port");
     row("port is too large", "--http-port=65536", {}, "evox-server: --http-port: not a port");
+    row("control port has a letter", "--port=8o80", {}, "evox-server: --port: not a port");
+    row("control port is too large", "--port=65536", {}, "evox-server: --port: not a port");
+    row("audio port is negative", "--udp-port=-1", {}, "evox-server: --udp-port: not a port");
+    row("audio port is empty", "--udp-port=", {}, "evox-server: --udp-port: not a port");
+    row("address is a name", "--listen=localhost", {}, "evox-server: --listen: not an IP address");
+    row("address is cut off", "--listen=127.0.0.", {}, "evox-server: --listen: not an IP address");
     row("no registry file", "--registry=/nowhere.json", {}, "evox-server: /nowhere.json: No such file");
     row("registry is no array", "--registry=", "{}", "evox-server: FILE: not an array of callsigns");
     row("registry without a callsign", "--registry=", "[{}]", "evox-server: FILE: entry 1: no callsign");

@@ -1,5 +1,8 @@
+#include "net/UdpAudio.h"
 #include "server/ServerRig.h"
 #include "support/TestMain.h"
+
+#include <QSignalSpy>
 
 class ServerRelayTest final : public QObject
 {
@@ -9,6 +12,8 @@ private slots:
     void init();
     void cleanup();
     void handshakeWords();
+    void strangerIsNotKeptAlive();
+    void clientComesBackAfterItsAddressWasLost();
     void talkerIsHeardUnderHisOwnId();
     void othersAreNotHeard_data();
     void othersAreNotHeard();
@@ -62,6 +67,46 @@ void ServerRelayTest::handshakeWords()
     QCOMPARE(m_a->sendUdp("PING"), QByteArray("PONG"));
     QCOMPARE(m_a->sendUdp("KEEPALIVE"), QByteArray("KEEPALIVE_OK"));
     QCOMPARE(m_a->sendUdp("TOKEN:unknown"), QByteArray());
+}
+
+void ServerRelayTest::strangerIsNotKeptAlive()
+{
+    auto stranger = m_rig->client();
+    stranger->sendUdpSilently("KEEPALIVE");
+    QCOMPARE(stranger->sendUdp("PING"), QByteArray("PONG")); // answers keep their order
+    m_a->send(q("QUIT"));
+    QTRY_VERIFY(!m_a->isConnected());
+    m_a->sendUdpSilently("KEEPALIVE");
+    QCOMPARE(m_a->sendUdp("PING"), QByteArray("PONG"));
+}
+
+/// As when a router gives its connection another port: the client is not told, it only hears no answer any more.
+void ServerRelayTest::clientComesBackAfterItsAddressWasLost()
+{
+    auto control = m_rig->client();
+    const QString token = control->login(q("YB3C")).section(QLatin1Char('|'), 1, 1);
+    QVERIFY(control->answer(q("JOIN Lobby"), q("JOIN_OK")).startsWith(q("JOIN_OK")));
+    UdpAudio udp;
+    qint64 now = 1;
+    udp.setClock([&now] { return now; });
+    QSignalSpy ready(&udp, &UdpAudio::udpReady);
+    QSignalSpy audio(&udp, &UdpAudio::audioReceived);
+    QVERIFY(udp.enableUdp(q("127.0.0.1"), m_rig->server().udpPort(), token));
+    QTRY_COMPARE(ready.size(), 1);
+    auto elsewhere = m_rig->client();
+    QCOMPARE(elsewhere->sendUdp("TOKEN:" + token.toUtf8()), QByteArray("REGISTERED:3"));
+    for (int i = 0; i < 2; ++i) {
+        now += 25000;
+        QMetaObject::invokeMethod(&udp, "checkHealth", Qt::DirectConnection);
+        // By then an answer would have come, and after two rounds of the event loop be handled.
+        QCOMPARE(elsewhere->sendUdp("PING"), QByteArray("PONG"));
+        for (int round = 0; round < 5; ++round)
+            QCoreApplication::processEvents();
+    }
+    QTRY_COMPARE(ready.size(), 2);
+    QVERIFY(talk(*m_a));
+    m_a->sendUdpSilently(kFrame);
+    QTRY_COMPARE(audio.size(), 1);
 }
 
 void ServerRelayTest::talkerIsHeardUnderHisOwnId()
