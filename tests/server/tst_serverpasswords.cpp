@@ -103,7 +103,7 @@ void ServerPasswordsTest::audioHasItsTurnBetweenConnections()
     LogCapture log;
     bool isSent = false;
     int loginsBefore = -1;      // those that were over when the datagram was answered
-    rig.server().setClock([&] { // asked at each login
+    rig.server().setClock([&] { // asked at each line and each login
         if (!isSent)
             listener->sendUdpSilently("PING");
         else if (loginsBefore < 0 && listener->hasDatagram())
@@ -115,7 +115,7 @@ void ServerPasswordsTest::audioHasItsTurnBetweenConnections()
         clients[i]->send(QStringLiteral("LOGIN %1 secret pc").arg(q(kCallsigns[i])));
     for (const auto &client : clients)
         QVERIFY(client->until(q("LOGIN_")).last().startsWith(q("LOGIN_OK|")));
-    QCOMPARE(loginsBefore, 1);
+    QVERIFY2(loginsBefore == 0 || loginsBefore == 1, qPrintable(QString::number(loginsBefore)));
     QCOMPARE(listener->nextDatagram(), QByteArray("PONG"));
 }
 
