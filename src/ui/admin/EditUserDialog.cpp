@@ -187,6 +187,7 @@ QLabel *EditUserDialog::createUnreadableExpiry()
 {
     auto *hint = new QLabel(QLatin1String("Not readable as a date, kept as it is: ") + shownText(m_unreadableExpiry));
     hint->setObjectName(QStringLiteral("editUnreadableExpiry"));
+    hint->setProperty("hint", true); // readable although the group is not checked
     hint->setTextFormat(Qt::PlainText);
     hint->setWordWrap(true);
     connect(m_expires, &QGroupBox::toggled, hint, [this, hint] {
