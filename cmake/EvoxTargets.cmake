@@ -31,13 +31,15 @@ foreach(label unit wire widget e2e)
     add_custom_target(tests-${label})
 endforeach()
 
-# evox_add_test(folder name [SOURCES …] [LIBS …] [LABEL unit|wire|widget|e2e] [SERIAL] [TIMEOUT s] [LINUX_ONLY why])
+# evox_add_test(folder name [SOURCES …] [LIBS …] [LABEL unit|wire|widget|e2e] [SERIAL] [LONG] [TIMEOUT s]
+#               [LINUX_ONLY why])
 # The test program <name> of tests/<folder>/<name>.cpp, linked with evox_<folder> and the test kit.
 # SERIAL preloads the modem-line shim, so that real QSerialPort code opens simulated ports; on Windows that is done
 # under Wine only.
+# LONG starts it before the others, so that nobody waits for it at the end.
 # LINUX_ONLY leaves it out on Windows, and configuring says why.
 function(evox_add_test folder name)
-    cmake_parse_arguments(ARG "SERIAL" "LABEL;TIMEOUT;LINUX_ONLY" "SOURCES;LIBS" ${ARGN})
+    cmake_parse_arguments(ARG "SERIAL;LONG" "LABEL;TIMEOUT;LINUX_ONLY" "SOURCES;LIBS" ${ARGN})
     if(ARG_SERIAL AND WIN32 AND NOT CMAKE_CROSSCOMPILING)
         set(ARG_LINUX_ONLY "simulates serial ports")
     endif()
@@ -76,7 +78,7 @@ function(evox_add_test folder name)
         list(APPEND environment "LD_PRELOAD=$<$<BOOL:${EVOX_LIBASAN}>:${EVOX_LIBASAN}:>$<TARGET_FILE:evox-simserial>")
     endif()
     set_tests_properties(${name} PROPERTIES
-        LABELS ${ARG_LABEL} TIMEOUT ${ARG_TIMEOUT} ENVIRONMENT "${environment}")
+        LABELS ${ARG_LABEL} TIMEOUT ${ARG_TIMEOUT} ENVIRONMENT "${environment}" COST $<IF:$<BOOL:${ARG_LONG}>,2,1>)
 endfunction()
 
 # Says at the end of configuring which tests this system does not get.
