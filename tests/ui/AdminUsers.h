@@ -7,7 +7,9 @@
 #include <QApplication>
 #include <QFont>
 #include <QList>
+#include <QSignalSpy>
 #include <QStringList>
+#include <QTest>
 #include <QVariantMap>
 #include <QWidget>
 
@@ -63,6 +65,14 @@ inline QAction *action(const QWidget &widget, const char *name)
 inline void useDesktopFont()
 {
     QApplication::setFont(QFont(QApplication::font().family(), 9));
+}
+
+/// Connects them; false when they did not come together.
+[[nodiscard]] inline bool connectToServer(TcpClient *client, FakeServer *server)
+{
+    const QSignalSpy connected(client, &TcpClient::connected);
+    client->connectToServer(server->host(), server->port());
+    return QTest::qWaitFor([&connected] { return !connected.isEmpty(); }) && server->waitForClient();
 }
 
 /// What the client has sent so far, up to a line of the test's own that marks the end; without its heart-beats.

@@ -106,10 +106,7 @@ void AdminPanelTest::init()
     m_server = std::make_unique<FakeServer>();
     m_client = std::make_unique<TcpClient>();
     m_prompts = std::make_unique<ScriptedPrompts>();
-    QSignalSpy connected(m_client.get(), &TcpClient::connected);
-    m_client->connectToServer(m_server->host(), m_server->port());
-    QVERIFY(connected.wait());
-    QVERIFY(m_server->waitForClient());
+    QVERIFY(AdminUsers::connectToServer(m_client.get(), m_server.get()));
 }
 
 void AdminPanelTest::cleanup()
